@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+#include <QStringView>
+
+namespace QXlsx::detail {
+
+// The format code of a built-in number format id, or an empty text for ids without a
+// fixed code (locale dependent ids keep an empty code and are judged by id alone).
+QString builtinNumberFormat(int id);
+// The built-in id of a format code, or -1.
+int builtinNumberFormatId(QStringView code);
+
+// True for the built-in date and time ids: 14-22, 27-36, 45-47, 50-58 (the East Asian
+// ones included).
+bool isBuiltinDateTimeFormat(int id);
+// True for a custom code with a date or time token (y m d h s, AM/PM, ...) outside
+// quotes, brackets and backslash escapes; [h], [mm] and [ss] elapsed times count.
+bool isDateTimeFormatCode(QStringView code);
+
+// Serial numbers: days since the epoch of the workbook's date system, with the time of
+// day as the fraction. The 1900 system keeps the phantom 29 February 1900 (serial 60).
+double toSerial(const QDateTime& dateTime, bool date1904);
+double toSerial(const QDate& date, bool date1904);
+double toSerial(const QTime& time);
+QDateTime fromSerial(double serial, bool date1904);
+
+} // namespace QXlsx::detail

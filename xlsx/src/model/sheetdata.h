@@ -1,0 +1,86 @@
+#pragma once
+
+#include "rawelement.h"
+#include "xlsxabstractsheet.h"
+#include "xlsxcell.h"
+#include "xlsxcellrange.h"
+
+#include <QByteArray>
+#include <QHash>
+#include <QList>
+#include <QString>
+
+#include <vector>
+
+namespace QXlsx::detail {
+
+enum CellFlags : quint8 {
+    CellHasFormula = 1,        // the sheet's formula table holds the <f> element
+    CellFormulaString = 2,     // the cached result of the formula is text (t="str")
+};
+
+struct RowRecord
+{
+    int row = 0;               // 1-based
+    double height = 0;         // points; 0 = the sheet's default height
+    quint32 style = 0;         // the row's own format, with customFormat
+    bool customFormat = false;
+    bool hidden = false;
+    QByteArray extraAttributes;   // attributes of <row> kept as read (outlineLevel, ...)
+    std::vector<Cell> cells;   // sorted by column
+};
+
+struct ColumnRecord
+{
+    int first = 0;             // 1-based, inclusive
+    int last = 0;
+    double width = 0;          // characters; 0 = the sheet's default width
+    quint32 style = 0;
+    bool hidden = false;
+    bool customWidth = false;
+    QByteArray extraAttributes;
+};
+
+// One sheet of a workbook. A worksheet is modelled (cells, rows, columns, merges);
+// anything else of its part, and whole chart, dialog and macro sheets, are kept as
+// read so that a save gives them back.
+class SheetData
+{
+public:
+    QString name;
+    AbstractSheet::SheetType type = AbstractSheet::ST_WorkSheet;
+    AbstractSheet::SheetState state = AbstractSheet::SS_Visible;
+
+    std::vector<RowRecord> rows;          // sorted by row
+    std::vector<ColumnRecord> columns;    // sorted by first column, not overlapping
+    QList<CellRange> merges;
+    double defaultRowHeight = 15.0;
+    double defaultColumnWidth = 8.43;
+    QHash<quint64, QByteArray> formulas;  // formulaKey(row, column) -> <f> element as read
+
+    // The part as read: where it was, its id in the workbook, the root start tag with
+    // its namespace declarations, the elements around the modelled ones in file order.
+    QString partName;
+    QString relationshipId;
+    quint32 sheetId = 0;
+    QByteArray rootStartTag;
+    std::vector<RawElement> extraElements;
+    QByteArray rawPart;                   // chart, dialog and macro sheets: the part whole
+
+    // Lookups. findRow/findCell give null where nothing is stored; rowFor/cellFor add
+    // the row or cell. Appending in row and column order is the fast path.
+    RowRecord* findRow(int row);
+    const RowRecord* findRow(int row) const;
+    RowRecord& rowFor(int row);
+    Cell* findCell(int row, int column);
+    const Cell* findCell(int row, int column) const;
+    Cell& cellFor(int row, int column);
+    bool removeCell(int row, int column);
+
+    // The bounding box of the stored cells, computed from the cells themselves.
+    CellRange dimension() const;
+
+    static quint64 formulaKey(int row, int column) { return (quint64(row) << 16) | quint64(column); }
+};
+
+} // namespace QXlsx::detail

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QString>
+
+class QIODevice;
+
+namespace QXlsx::detail {
+
+class WorkbookData;
+
+// Limits that keep a hostile file from taking unbounded time or memory.
+struct ReadLimits
+{
+    qint64 maxPartSize = qint64(4) << 30;       // inflated bytes of one part
+    qint64 maxTotalSize = qint64(16) << 30;     // inflated bytes of all parts read
+    qint64 maxCompressionRatio = 1000;          // inflated / compressed, for large parts
+    int maxParts = 100000;
+};
+
+// Reads a workbook package into book, which must be empty. On a device that holds no
+// readable workbook, returns false with a reason in error and leaves book empty; a
+// package that is damaged part way gives what could be read and returns true.
+bool readPackage(QIODevice& device, WorkbookData& book, QString* error,
+                 const ReadLimits& limits = ReadLimits());
+
+} // namespace QXlsx::detail
