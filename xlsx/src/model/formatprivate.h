@@ -71,6 +71,9 @@ public:
 
     bool operator==(const FormatPrivate& o) const;
     uint hash() const;
+
+    // The fields behind a Format, for the engine's readers and writers.
+    static const FormatPrivate& of(const Format& format) { return *format.d; }
 };
 
 } // namespace QXlsx
