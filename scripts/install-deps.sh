@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# Installs the Debian packages the project needs to build, test and benchmark, skipping
+# those already there. Runs apt-get as root (through sudo when not root).
+set -euo pipefail
+
+packages=(
+  build-essential cmake pkg-config
+  qtbase5-dev zlib1g-dev libexpat1-dev libzip-dev
+  googletest libgtest-dev
+  # Real readers and writers the tests check the workbooks against.
+  python3 python3-openpyxl libreoffice-calc-nogui
+)
+case "${1:-}" in
+  --bench) packages+=(libxlsxwriter-dev python3-xlsxwriter gdal-bin libbenchmark-dev valgrind) ;;
+esac
+
+missing=()
+for p in "${packages[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+as_root=()
+[ "$(id -u)" -eq 0 ] || as_root=(sudo)
+echo "Installing: ${missing[*]}" >&2
+"${as_root[@]}" apt-get update -qq
+DEBIAN_FRONTEND=noninteractive "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >&2
