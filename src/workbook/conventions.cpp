@@ -1,0 +1,64 @@
+#include "workbook/conventions.h"
+
+#include "tsbase.h"
+#include "vygiscore.h"
+
+#include <QColor>
+#include <QObject>
+
+#include <string>
+
+namespace vygis {
+
+bool fileExists(const QString& path)
+{
+    const std::wstring wide = path.toStdWString();
+    return VyObjects::TsFile::Exists(VyObjects::TsString(wide));
+}
+
+QXlsx::Format centredCellFormat()
+{
+    QXlsx::Format format;
+    format.setHorizontalAlignment(QXlsx::Format::AlignHCenter);
+    format.setVerticalAlignment(QXlsx::Format::AlignVCenter);
+    format.setBorderStyle(QXlsx::Format::BorderThin);
+    return format;
+}
+
+QXlsx::Format greyHeaderFormat()
+{
+    QXlsx::Format format;
+    format.setHorizontalAlignment(QXlsx::Format::AlignHCenter);
+    format.setVerticalAlignment(QXlsx::Format::AlignVCenter);
+    format.setPatternBackgroundColor(QColor(QStringLiteral("#cccccc")));
+    format.setBorderStyle(QXlsx::Format::BorderThin);
+    return format;
+}
+
+void writeTitleRow(QXlsx::Document& document, const QString& title, int width)
+{
+    const QXlsx::Format centred = centredCellFormat();
+    // A one-cell range is not a merge; the title still goes to A1.
+    if (width > 1)
+        document.mergeCells(QXlsx::CellRange(1, 1, 1, width), QXlsx::Format());
+    document.setRowHeight(1, 30.0);
+    document.write(1, 1, title, centred);
+}
+
+QString attributeText(const VyObjects::TsVariant& value)
+{
+    const auto code = value.GetType();
+    if (code == VyObjects::TsVariant::DoubleType || code == VyObjects::TsVariant::SingleType)
+        return VyApplication::doubleToQString(value.GetDouble(), 8);
+    return QString::fromStdWString(value.ToString().toStdWString());
+}
+
+bool writeRowsAndSave(QXlsx::Document& document, const QString& path,
+                      const std::function<void()>& writeRows)
+{
+    VyWaitDialog dialog(QObject::tr("Exporting..."), nullptr);
+    dialog.WaitFor(writeRows);
+    return document.saveAs(path);
+}
+
+} // namespace vygis

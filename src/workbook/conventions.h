@@ -1,0 +1,39 @@
+#pragma once
+
+// What the workbook functions share: the file test, the cell formats, the title row of
+// the attribute exports, the attribute text rule and the progress runner.
+
+#include "xlsxdocument.h"
+#include "xlsxformat.h"
+
+#include <QString>
+
+#include <functional>
+
+namespace VyObjects { class TsVariant; }
+
+namespace vygis {
+
+// True when a file stands at path, asked of the object library as the host does.
+bool fileExists(const QString& path);
+
+// Centred horizontally and vertically with a thin border on all four sides.
+QXlsx::Format centredCellFormat();
+// The centred cell format on a solid light grey (#cccccc) fill.
+QXlsx::Format greyHeaderFormat();
+
+// Row 1 of an attribute export: columns 1 to width merged (nothing is merged when width
+// is 1 or less), the row 30 points high, and title in column 1 with the centred format.
+void writeTitleRow(QXlsx::Document& document, const QString& title, int width);
+
+// The text an attribute value is exported as: floating values at precision 8 through
+// the application's number formatting, everything else as the value's own text.
+QString attributeText(const VyObjects::TsVariant& value);
+
+// Runs the data rows of an export under the application's modal progress dialog
+// ("Exporting..."), then saves the document to path while the dialog still shows, and
+// returns the result of the save.
+bool writeRowsAndSave(QXlsx::Document& document, const QString& path,
+                      const std::function<void()>& writeRows);
+
+} // namespace vygis

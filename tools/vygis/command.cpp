@@ -1,0 +1,21 @@
+#include "command.h"
+
+#include <QTextStream>
+
+#include <cstdio>
+
+const QList<Command>& commands()
+{
+    static const QList<Command> all{demoCommand(), dumpCommand(), createCommand(), clearCommand()};
+    return all;
+}
+
+void printError(const QString& text)
+{
+    QTextStream(stderr) << text << '\n';
+}
+
+void printLine(const QString& text)
+{
+    QTextStream(stdout) << text << '\n';
+}

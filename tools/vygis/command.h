@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+
+// Exit statuses of every subcommand.
+enum ExitStatus { ExitSuccess = 0, ExitFailure = 1, ExitUsage = 2 };
+
+// A subcommand: its name, a one-line summary, its usage text and what it runs.
+struct Command
+{
+    QString name;
+    QString summary;
+    QString usage;
+    std::function<int(const QStringList& arguments)> run;
+};
+
+// The commands the tool offers, in the order the help lists them.
+const QList<Command>& commands();
+
+// Writes a line to standard error.
+void printError(const QString& text);
+// Writes a line to standard output.
+void printLine(const QString& text);
+
+// The subcommands, one file each.
+Command dumpCommand();
+Command createCommand();
+Command clearCommand();
+Command demoCommand();
