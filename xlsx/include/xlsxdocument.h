@@ -79,6 +79,9 @@ public:
 
 private:
     Worksheet* ensureWorksheet();
+    void openFrom(QIODevice& device);
+    void startEmptyWorkbook();
+    int sheetIndex(const QString& name) const;
     std::unique_ptr<detail::WorkbookData> d;
     QString m_path;
 };

@@ -58,7 +58,10 @@ public:
     ColorSpec background;
     QByteArray fillRaw;        // a gradient fill, kept whole as read
 
-    // Number format: a built-in id, or a custom code (numFmtId is then assigned on save).
+    // Number format: a built-in id, or a custom code. With a code, numFmtId is only the
+    // id the code had in the file it was read from (or -1); equality ignores it and the
+    // writer assigns ids on save. Use setNumberFormatCode so that a built-in code becomes
+    // its id and equal formats compare equal.
     int numFmtId = 0;
     QString numFmtCode;
 
@@ -72,8 +75,19 @@ public:
     bool operator==(const FormatPrivate& o) const;
     uint hash() const;
 
+    bool hasNumberFormat() const { return numFmtId != 0 || !numFmtCode.isEmpty(); }
+    bool isDateTimeFormat() const;
+    void setNumberFormatCode(const QString& code);
+    void setNumberFormatId(int id);
+
     // The fields behind a Format, for the engine's readers and writers.
     static const FormatPrivate& of(const Format& format) { return *format.d; }
+    // Write access for the engine's reader, which fills a Format field by field.
+    static FormatPrivate& edit(Format& format) { return *format.d; }
+    // Formats sharing one record compare equal without looking at the fields.
+    static const FormatPrivate* identity(const Format& format) { return format.d.constData(); }
+    // The record of Format(), shared by every default format so that making one is free.
+    static FormatPrivate* sharedDefault();
 };
 
 } // namespace QXlsx

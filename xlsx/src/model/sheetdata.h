@@ -14,6 +14,8 @@
 
 namespace QXlsx::detail {
 
+class WorkbookData;
+
 enum CellFlags : quint8 {
     CellHasFormula = 1,        // the sheet's formula table holds the <f> element
     CellFormulaString = 2,     // the cached result of the formula is text (t="str")
@@ -47,6 +49,7 @@ struct ColumnRecord
 class SheetData
 {
 public:
+    const WorkbookData* book = nullptr;   // the workbook the cells made by cellFor belong to
     QString name;
     AbstractSheet::SheetType type = AbstractSheet::ST_WorkSheet;
     AbstractSheet::SheetState state = AbstractSheet::SS_Visible;
@@ -79,6 +82,12 @@ public:
 
     // The bounding box of the stored cells, computed from the cells themselves.
     CellRange dimension() const;
+
+    // The column record holding column, or null.
+    const ColumnRecord* findColumn(int column) const;
+    // Gives columns first to last the width (0 = the default), splitting and joining
+    // records so that they stay sorted, disjoint and keep their other attributes.
+    void setColumnWidth(int first, int last, double width);
 
     static quint64 formulaKey(int row, int column) { return (quint64(row) << 16) | quint64(column); }
 };

@@ -4,6 +4,8 @@
 #include <QString>
 #include <QStringView>
 
+#include <memory>
+#include <utility>
 #include <vector>
 
 namespace QXlsx::detail {
@@ -24,20 +26,41 @@ public:
     quint32 addRich(const QString& plainText, const QByteArray& runsXml);
 
     QString text(quint32 index) const;
-    // The UTF-8 bytes of an entry, unescaped; valid until the next add.
+    // The UTF-8 bytes of an entry, unescaped; they stay where they are until clear().
     const char* utf8(quint32 index, int* size) const;
     bool isRich(quint32 index) const;
     QByteArray richXml(quint32 index) const;
     quint32 count() const { return quint32(m_offsets.size()); }
+    // Longest text an entry holds, in UTF-8 bytes; longer texts are cut at a character.
+    static constexpr int MaxTextBytes = (1 << 24) - 1;
     void clear();
 
 private:
-    quint32 find(const char* utf8, int size, quint32 hash) const;
-    void grow();
+    quint32 insert(const char* utf8, int size, quint64 hash);
+    void rehash(size_t slotCount);
+    quint64 store(const char* utf8, int size);
+    const char* at(quint64 offset) const
+    {
+        return m_chunks[size_t(offset >> ChunkBits)] + (offset & (ChunkSize - 1));
+    }
 
-    std::vector<char> m_arena;                 // all entries, back to back
+    // The arena is a list of fixed chunks rather than one growing buffer: adding never
+    // moves the texts already stored, and a large pool never holds its old and new
+    // copies at once while growing. A text longer than a chunk gets a block of its own
+    // that spans as many chunk numbers as it needs, so every offset maps to an address
+    // with one shift.
+    static constexpr int ChunkBits = 16;
+    static constexpr quint64 ChunkSize = quint64(1) << ChunkBits;
+    std::vector<std::unique_ptr<char[]>> m_blocks;
+    std::vector<char*> m_chunks;
+    quint64 m_used = 0;                        // arena offset of the next free byte
+
     std::vector<quint64> m_offsets;            // start in the arena << 24 | length (texts < 16 MiB)
-    std::vector<quint32> m_slots;              // open addressing table of index + 1; 0 = free
+    // Open addressing with linear probing: entry index + 1 (0 = free), and beside it a
+    // byte of the entry's hash, so that a probe rarely has to look at the text itself.
+    std::vector<quint32> m_slots;
+    std::vector<quint8> m_tags;
+    std::vector<char> m_utf8;                  // reused conversion buffer of add(QStringView)
     std::vector<std::pair<quint32, QByteArray>> m_rich;   // sorted by entry index
 };
 

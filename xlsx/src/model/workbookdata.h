@@ -63,6 +63,14 @@ public:
     // Adds a sheet with its public wrapper; the caller has checked the name.
     SheetData* appendSheet(const QString& name, AbstractSheet::SheetType type);
     void clear();
+
+    // The <f> element of a formula cell stored on one of the sheets, or null.
+    const QByteArray* formulaOf(const Cell* cell) const;
+
+private:
+    // Where the last formulaOf found its cell: callers walk a sheet row by row.
+    mutable size_t m_lastFormulaSheet = 0;
+    mutable size_t m_lastFormulaRow = 0;
 };
 
 } // namespace QXlsx::detail

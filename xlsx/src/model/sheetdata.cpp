@@ -1,0 +1,202 @@
+#include "sheetdata.h"
+
+#include "cellaccess.h"
+
+#include <algorithm>
+
+namespace QXlsx::detail {
+
+namespace {
+
+template <typename Rows>
+auto lowerBoundRow(Rows& rows, int row)
+{
+    return std::lower_bound(rows.begin(), rows.end(), row,
+                            [](const RowRecord& r, int value) { return r.row < value; });
+}
+
+template <typename Cells>
+auto lowerBoundCell(Cells& cells, int column)
+{
+    return std::lower_bound(cells.begin(), cells.end(), column,
+                            [](const Cell& c, int value) { return c.column() < value; });
+}
+
+bool sameAttributes(const ColumnRecord& a, const ColumnRecord& b)
+{
+    return a.width == b.width && a.style == b.style && a.hidden == b.hidden
+        && a.customWidth == b.customWidth && a.extraAttributes == b.extraAttributes;
+}
+
+bool isDefault(const ColumnRecord& c)
+{
+    return c.width == 0 && c.style == 0 && !c.hidden && c.extraAttributes.isEmpty();
+}
+
+} // namespace
+
+RowRecord* SheetData::findRow(int row)
+{
+    if (!rows.empty() && rows.back().row == row)
+        return &rows.back();
+    auto it = lowerBoundRow(rows, row);
+    return it != rows.end() && it->row == row ? &*it : nullptr;
+}
+
+const RowRecord* SheetData::findRow(int row) const
+{
+    return const_cast<SheetData*>(this)->findRow(row);
+}
+
+RowRecord& SheetData::rowFor(int row)
+{
+    if (rows.empty() || rows.back().row < row) {
+        // Tables have rows of much the same length: sizing a new row like the last one
+        // spares the doubling growth and its slack, and a row that was oversized for
+        // its cells gives the slack back before the next one starts.
+        size_t expected = 0;
+        if (!rows.empty()) {
+            std::vector<Cell>& last = rows.back().cells;
+            expected = last.size();
+            if (last.capacity() > expected + expected / 8 + 4)
+                last.shrink_to_fit();
+        }
+        rows.emplace_back();
+        rows.back().row = row;
+        rows.back().cells.reserve(expected);
+        return rows.back();
+    }
+    if (rows.back().row == row)
+        return rows.back();
+    auto it = lowerBoundRow(rows, row);
+    if (it != rows.end() && it->row == row)
+        return *it;
+    it = rows.emplace(it);
+    it->row = row;
+    return *it;
+}
+
+Cell* SheetData::findCell(int row, int column)
+{
+    RowRecord* r = findRow(row);
+    if (!r)
+        return nullptr;
+    std::vector<Cell>& cells = r->cells;
+    if (!cells.empty() && cells.back().column() == column)
+        return &cells.back();
+    auto it = lowerBoundCell(cells, column);
+    return it != cells.end() && it->column() == column ? &*it : nullptr;
+}
+
+const Cell* SheetData::findCell(int row, int column) const
+{
+    return const_cast<SheetData*>(this)->findCell(row, column);
+}
+
+Cell& SheetData::cellFor(int row, int column)
+{
+    std::vector<Cell>& cells = rowFor(row).cells;
+    if (cells.empty() || cells.back().column() < column) {
+        cells.push_back(CellAccess::make(book, column));
+        return cells.back();
+    }
+    if (cells.back().column() == column)
+        return cells.back();
+    auto it = lowerBoundCell(cells, column);
+    if (it != cells.end() && it->column() == column)
+        return *it;
+    return *cells.insert(it, CellAccess::make(book, column));
+}
+
+bool SheetData::removeCell(int row, int column)
+{
+    RowRecord* r = findRow(row);
+    if (!r)
+        return false;
+    auto it = lowerBoundCell(r->cells, column);
+    if (it == r->cells.end() || it->column() != column)
+        return false;
+    r->cells.erase(it);
+    formulas.remove(formulaKey(row, column));
+    return true;
+}
+
+CellRange SheetData::dimension() const
+{
+    int firstRow = 0, lastRow = 0, firstColumn = MaxColumns + 1, lastColumn = 0;
+    for (const RowRecord& r : rows) {
+        if (r.cells.empty())
+            continue;
+        if (!firstRow)
+            firstRow = r.row;
+        lastRow = r.row;
+        firstColumn = std::min(firstColumn, r.cells.front().column());
+        lastColumn = std::max(lastColumn, r.cells.back().column());
+    }
+    if (!firstRow)
+        return {};
+    return {firstRow, firstColumn, lastRow, lastColumn};
+}
+
+const ColumnRecord* SheetData::findColumn(int column) const
+{
+    auto it = std::upper_bound(columns.begin(), columns.end(), column,
+                               [](int value, const ColumnRecord& c) { return value < c.first; });
+    if (it == columns.begin())
+        return nullptr;
+    --it;
+    return column <= it->last ? &*it : nullptr;
+}
+
+void SheetData::setColumnWidth(int first, int last, double width)
+{
+    std::vector<ColumnRecord> result;
+    result.reserve(columns.size() + 3);
+    auto give = [&](ColumnRecord c) {
+        if (isDefault(c))
+            return;
+        if (!result.empty() && result.back().last + 1 == c.first && sameAttributes(result.back(), c))
+            result.back().last = c.last;
+        else
+            result.push_back(std::move(c));
+    };
+    auto sized = [&](ColumnRecord c, int from, int to) {
+        c.first = from;
+        c.last = to;
+        c.width = width;
+        c.customWidth = width > 0;
+        return c;
+    };
+    int next = first;   // the first column of [first, last] not yet given the width
+    for (const ColumnRecord& c : columns) {
+        if (c.last < first || c.first > last) {
+            if (c.first > last && next <= last) {
+                give(sized(ColumnRecord(), next, last));
+                next = last + 1;
+            }
+            give(c);
+            continue;
+        }
+        if (c.first < first) {
+            ColumnRecord before = c;
+            before.last = first - 1;
+            give(before);
+        }
+        const int from = std::max(c.first, first);
+        if (next < from)
+            give(sized(ColumnRecord(), next, from - 1));
+        const int to = std::min(c.last, last);
+        give(sized(c, from, to));
+        next = to + 1;
+        if (c.last > last) {
+            ColumnRecord after = c;
+            after.first = last + 1;
+            give(after);
+        }
+    }
+    if (next <= last)
+        give(sized(ColumnRecord(), next, last));
+    columns = std::move(result);
+}
+
+} // namespace QXlsx::detail
