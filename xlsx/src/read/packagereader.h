@@ -13,7 +13,9 @@ struct ReadLimits
 {
     qint64 maxPartSize = qint64(4) << 30;       // inflated bytes of one part
     qint64 maxTotalSize = qint64(16) << 30;     // inflated bytes of all parts read
-    qint64 maxCompressionRatio = 1000;          // inflated / compressed, for large parts
+    // Inflated / compressed, judged once a part passes 1 MiB. Deflate cannot pass about
+    // 1030, so a higher limit would not stop anything; real sheets stay far below 100.
+    qint64 maxCompressionRatio = 200;
     int maxParts = 100000;
 };
 

@@ -1,0 +1,225 @@
+// The zip container and the XML layer under the reader: limits and hostile input.
+
+#include "test_read_package.h"
+
+#include "read/xmlreader.h"
+#include "zip/zipreader.h"
+
+#include <gtest/gtest.h>
+
+#include <QElapsedTimer>
+
+using namespace QXlsx::detail;
+using readtest::zipOf;
+
+namespace {
+
+QByteArray entry(ZipReader& zip, const QString& name, bool* complete = nullptr)
+{
+    QByteArray data;
+    const bool ok = zip.readAll(zip.indexOf(name), &data, nullptr);
+    if (complete)
+        *complete = ok;
+    return data;
+}
+
+} // namespace
+
+TEST(ReadZip, FindsEntriesWhateverTheirCaseOrLeadingSlash)
+{
+    const QByteArray bytes = zipOf({{"xl/Workbook.xml", "<a/>"}, {"[Content_Types].xml", "<b/>"}});
+    ZipReader zip{ReadLimits()};
+    ASSERT_TRUE(zip.open(bytes.constData(), bytes.size(), nullptr));
+    EXPECT_EQ(entry(zip, "/XL/workbook.XML").toStdString(), "<a/>");
+    EXPECT_EQ(entry(zip, "[content_types].xml").toStdString(), "<b/>");
+    EXPECT_EQ(zip.indexOf("xl/missing.xml"), -1);
+}
+
+TEST(ReadZip, RefusesBytesThatAreNotAZip)
+{
+    for (const QByteArray& bytes : {QByteArray(), QByteArray("PK\x03\x04 not really"), QByteArray(5000, 'x')}) {
+        ZipReader zip{ReadLimits()};
+        QString error;
+        EXPECT_FALSE(zip.open(bytes.constData(), bytes.size(), &error));
+        EXPECT_FALSE(error.isEmpty());
+    }
+}
+
+TEST(ReadZip, RefusesATruncatedArchive)
+{
+    const QByteArray bytes = zipOf({{"a.xml", QByteArray(100000, 'a')}});
+    const QByteArray truncated = bytes.left(bytes.size() / 2);
+    ZipReader zip{ReadLimits()};
+    EXPECT_FALSE(zip.open(truncated.constData(), truncated.size(), nullptr));
+}
+
+TEST(ReadZip, ReportsAnEntryWhoseCompressedBytesAreDamaged)
+{
+    QByteArray text;
+    for (int i = 0; i < 20000; ++i)
+        text += QByteArray::number(i * 7919 % 10007) + ',';
+    QByteArray bytes = zipOf({{"a.xml", text}});
+    for (int i = 200; i < 400; ++i)
+        bytes[i] = char(bytes[i] ^ 0x5A);
+    ZipReader zip{ReadLimits()};
+    ASSERT_TRUE(zip.open(bytes.constData(), bytes.size(), nullptr));
+    bool complete = true;
+    entry(zip, "a.xml", &complete);
+    EXPECT_FALSE(complete);
+}
+
+TEST(ReadZip, StopsAnEntryThatInflatesPastThePartLimit)
+{
+    const QByteArray bytes = zipOf({{"bomb.xml", QByteArray(8 << 20, '\0')}});
+    ReadLimits limits;
+    limits.maxPartSize = 1 << 20;
+    limits.maxCompressionRatio = 1 << 30;
+    ZipReader zip(limits);
+    ASSERT_TRUE(zip.open(bytes.constData(), bytes.size(), nullptr));
+    bool complete = true;
+    const QByteArray data = entry(zip, "bomb.xml", &complete);
+    EXPECT_FALSE(complete);
+    EXPECT_LE(data.size(), (1 << 20) + 64 * 1024);
+}
+
+TEST(ReadZip, StopsATinyEntryThatInflatesAThousandfold)
+{
+    // 64 MiB of zeros deflate to about 64 KiB: the default limits cut it short.
+    const QByteArray bytes = zipOf({{"bomb.xml", QByteArray(64 << 20, '\0')}});
+    ZipReader zip{ReadLimits()};
+    ASSERT_TRUE(zip.open(bytes.constData(), bytes.size(), nullptr));
+    bool complete = true;
+    const QByteArray data = entry(zip, "bomb.xml", &complete);
+    EXPECT_FALSE(complete);
+    EXPECT_LT(data.size(), 16 << 20);
+}
+
+TEST(ReadZip, StopsOnceAllEntriesTogetherPassTheTotalLimit)
+{
+    const QByteArray part(300000, 'x');
+    const QByteArray bytes = zipOf({{"a", part}, {"b", part}, {"c", part}});
+    ReadLimits limits;
+    limits.maxTotalSize = 700000;
+    ZipReader zip(limits);
+    ASSERT_TRUE(zip.open(bytes.constData(), bytes.size(), nullptr));
+    bool complete = false;
+    entry(zip, "a", &complete);
+    EXPECT_TRUE(complete);
+    entry(zip, "b", &complete);
+    EXPECT_TRUE(complete);
+    entry(zip, "c", &complete);
+    EXPECT_FALSE(complete);
+}
+
+TEST(ReadZip, RefusesAnArchiveWithMoreEntriesThanAllowed)
+{
+    readtest::Parts parts;
+    for (int i = 0; i < 20; ++i)
+        parts.emplace_back(QStringLiteral("p%1").arg(i), "x");
+    const QByteArray bytes = zipOf(parts);
+    ReadLimits limits;
+    limits.maxParts = 10;
+    ZipReader zip(limits);
+    EXPECT_FALSE(zip.open(bytes.constData(), bytes.size(), nullptr));
+}
+
+namespace {
+
+// Records what a handler hears, and captures the elements it is told to.
+class Recorder : public XmlHandler
+{
+public:
+    std::vector<std::string> starts;
+    std::vector<QByteArray> captures;
+    std::string text;
+    std::string captureName = "keep";
+
+    void startElement(XmlReader& reader, std::string_view name, const XmlAttributes&) override
+    {
+        starts.emplace_back(name);
+        if (name == captureName)
+            reader.captureElement();
+        if (name == "t")
+            reader.beginText();
+    }
+    void endElement(XmlReader& reader, std::string_view name) override
+    {
+        if (name == "t") {
+            text += reader.text();
+            reader.endText();
+        }
+    }
+    void captured(XmlReader&, RawElement&& element) override { captures.push_back(element.xml); }
+};
+
+} // namespace
+
+TEST(ReadXml, MatchesElementsByLocalNameWhateverThePrefix)
+{
+    Recorder recorder;
+    XmlReader reader(recorder);
+    EXPECT_TRUE(reader.parse(R"(<x:root xmlns:x="urn:main"><x:t>one</x:t><t>two</t></x:root>)"));
+    EXPECT_EQ(recorder.starts, (std::vector<std::string>{"root", "t", "t"}));
+    EXPECT_EQ(recorder.text, "onetwo");
+}
+
+TEST(ReadXml, CapturesAnElementWithTheOuterDeclarationsItNeeds)
+{
+    Recorder recorder;
+    XmlReader reader(recorder);
+    EXPECT_TRUE(reader.parse(
+        R"(<x:root xmlns:x="urn:main" xmlns:y="urn:other" xmlns:z="urn:unused">)"
+        R"(<x:keep a="1 &amp; &quot;2&quot;"><y:inner y:b="&lt;"/>text &amp; more<empty></empty></x:keep></x:root>)"));
+    ASSERT_EQ(recorder.captures.size(), 1u);
+    EXPECT_EQ(recorder.captures[0].toStdString(),
+              R"(<x:keep xmlns:x="urn:main" xmlns:y="urn:other" a="1 &amp; &quot;2&quot;"><y:inner y:b="&lt;"/>)"
+              R"(text &amp; more<empty/></x:keep>)");
+    // The captured element's children bypass the handler.
+    EXPECT_EQ(recorder.starts, (std::vector<std::string>{"root", "keep"}));
+}
+
+TEST(ReadXml, KeepsLineBreaksAndTabsOfCapturedAttributes)
+{
+    Recorder recorder;
+    XmlReader reader(recorder);
+    EXPECT_TRUE(reader.parse("<root><keep a=\"x&#10;y&#9;z\">a&#13;b</keep></root>"));
+    ASSERT_EQ(recorder.captures.size(), 1u);
+    EXPECT_EQ(recorder.captures[0].toStdString(), "<keep a=\"x&#10;y&#9;z\">a&#13;b</keep>");
+}
+
+TEST(ReadXml, RefusesEntityDeclarationsWithoutExpandingThem)
+{
+    QByteArray laughs = "<?xml version=\"1.0\"?><!DOCTYPE r [<!ENTITY a \"aaaaaaaaaa\">";
+    for (char c = 'b'; c <= 'k'; ++c)
+        laughs += QByteArray("<!ENTITY ") + c + " \"" + QByteArray(10, '&').replace("&", QByteArray("&") + char(c - 1) + ";") + "\">";
+    laughs += "]><r><t>&k;</t></r>";
+    Recorder recorder;
+    XmlReader reader(recorder);
+    QElapsedTimer timer;
+    timer.start();
+    EXPECT_FALSE(reader.parse(laughs));
+    EXPECT_LT(timer.elapsed(), 1000);
+    EXPECT_TRUE(recorder.text.empty());
+    EXPECT_FALSE(reader.errorString().isEmpty());
+}
+
+TEST(ReadXml, StopsAtMalformedTextKeepingWhatCameBefore)
+{
+    Recorder recorder;
+    XmlReader reader(recorder);
+    EXPECT_FALSE(reader.parse("<r><t>kept</t><t>lost</r>"));
+    EXPECT_EQ(recorder.text, "kept");
+}
+
+TEST(ReadXml, DecodesEscapedCharacters)
+{
+    auto decoded = [](std::string text) {
+        decodeEscapes(text);
+        return text;
+    };
+    EXPECT_EQ(decoded("a_x000D_b"), "a\rb");
+    EXPECT_EQ(decoded("_x005F_x0041_"), "_x0041_");
+    EXPECT_EQ(decoded("_xD83D__xDE00_"), "\xF0\x9F\x98\x80");
+    EXPECT_EQ(decoded("_xD83D_"), "\xEF\xBF\xBD");
+    EXPECT_EQ(decoded("_x12_ _xZZZZ_ x0041_"), "_x12_ _xZZZZ_ x0041_");
+}

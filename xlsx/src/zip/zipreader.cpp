@@ -1,0 +1,149 @@
+#include "zip/zipreader.h"
+
+#include <zip.h>
+
+#include <memory>
+
+namespace QXlsx::detail {
+
+namespace {
+
+constexpr int ChunkSize = 64 * 1024;
+// Ratios are only judged past this size: small parts compress wildly (a sheet of
+// repeated XML) without being any danger.
+constexpr qint64 RatioFloor = 1 << 20;
+
+QString foldedName(const QString& name)
+{
+    QString folded = name.startsWith(QLatin1Char('/')) ? name.mid(1) : name;
+    return folded.toCaseFolded();
+}
+
+void fail(QString* error, const QString& reason)
+{
+    if (error)
+        *error = reason;
+}
+
+struct ZipFileCloser
+{
+    void operator()(zip_file_t* file) const { zip_fclose(file); }
+};
+
+} // namespace
+
+ZipReader::ZipReader(const ReadLimits& limits) : m_limits(limits) {}
+
+ZipReader::~ZipReader()
+{
+    if (m_zip)
+        zip_discard(m_zip);   // also frees the source
+    else if (m_source)
+        zip_source_free(m_source);
+}
+
+bool ZipReader::open(const char* data, qint64 size, QString* error)
+{
+    // Shorter than an end of central directory record: not a zip, and libzip would
+    // take no bytes at all for an empty archive.
+    if (size < 22) {
+        fail(error, QStringLiteral("not a zip package"));
+        return false;
+    }
+    zip_error_t zerr;
+    zip_error_init(&zerr);
+    m_source = zip_source_buffer_create(data, zip_uint64_t(size), 0, &zerr);
+    if (!m_source) {
+        fail(error, QStringLiteral("cannot read the package: %1").arg(QString::fromUtf8(zip_error_strerror(&zerr))));
+        zip_error_fini(&zerr);
+        return false;
+    }
+    m_zip = zip_open_from_source(m_source, ZIP_RDONLY, &zerr);
+    if (!m_zip) {
+        fail(error, QStringLiteral("not a zip package: %1").arg(QString::fromUtf8(zip_error_strerror(&zerr))));
+        zip_error_fini(&zerr);
+        return false;
+    }
+    zip_error_fini(&zerr);
+
+    const zip_int64_t count = zip_get_num_entries(m_zip, 0);
+    if (count < 0 || count > m_limits.maxParts) {
+        fail(error, QStringLiteral("the package holds too many entries (%1)").arg(count));
+        zip_discard(m_zip);
+        m_zip = nullptr;
+        m_source = nullptr;
+        return false;
+    }
+    m_names.reserve(int(count));
+    for (zip_int64_t i = 0; i < count; ++i) {
+        const char* name = zip_get_name(m_zip, zip_uint64_t(i), ZIP_FL_ENC_GUESS);
+        const QString text = name ? QString::fromUtf8(name) : QString();
+        m_names.append(text);
+        if (!text.isEmpty())
+            m_index.insert(foldedName(text), int(i));   // a later duplicate wins, as in a listing
+    }
+    return true;
+}
+
+int ZipReader::indexOf(const QString& partName) const
+{
+    return m_index.value(foldedName(partName), -1);
+}
+
+bool ZipReader::stream(int index, const Sink& sink, QString* error)
+{
+    if (!m_zip || index < 0 || index >= m_names.size()) {
+        fail(error, QStringLiteral("no such part"));
+        return false;
+    }
+    zip_stat_t st;
+    zip_stat_init(&st);
+    if (zip_stat_index(m_zip, zip_uint64_t(index), 0, &st) != 0) {
+        fail(error, QStringLiteral("damaged entry %1").arg(m_names.at(index)));
+        return false;
+    }
+    if ((st.valid & ZIP_STAT_ENCRYPTION_METHOD) && st.encryption_method != ZIP_EM_NONE) {
+        fail(error, QStringLiteral("encrypted entry %1").arg(m_names.at(index)));
+        return false;
+    }
+    const qint64 compressed = (st.valid & ZIP_STAT_COMP_SIZE) ? qint64(st.comp_size) : 0;
+
+    std::unique_ptr<zip_file_t, ZipFileCloser> file(zip_fopen_index(m_zip, zip_uint64_t(index), 0));
+    if (!file) {
+        fail(error, QStringLiteral("cannot open entry %1: %2")
+                        .arg(m_names.at(index), QString::fromUtf8(zip_strerror(m_zip))));
+        return false;
+    }
+    char buffer[ChunkSize];
+    qint64 inflated = 0;
+    for (;;) {
+        const zip_int64_t n = zip_fread(file.get(), buffer, sizeof buffer);
+        if (n < 0) {
+            fail(error, QStringLiteral("damaged entry %1: %2")
+                            .arg(m_names.at(index), QString::fromUtf8(zip_file_strerror(file.get()))));
+            return false;
+        }
+        if (n == 0)
+            return true;
+        inflated += n;
+        m_totalRead += n;
+        if (inflated > m_limits.maxPartSize || m_totalRead > m_limits.maxTotalSize
+            || (inflated > RatioFloor && inflated > m_limits.maxCompressionRatio * qMax<qint64>(compressed, 1))) {
+            fail(error, QStringLiteral("entry %1 inflates beyond the limits").arg(m_names.at(index)));
+            return false;
+        }
+        if (!sink(buffer, int(n)))
+            return true;
+    }
+}
+
+bool ZipReader::readAll(int index, QByteArray* out, QString* error)
+{
+    out->clear();
+    return stream(index, [out](const char* data, int size) {
+        out->append(data, size);
+        return true;
+    }, error);
+}
+
+} // namespace QXlsx::detail
