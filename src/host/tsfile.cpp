@@ -1,0 +1,16 @@
+#include "tsbase.h"
+
+#include "tsqstring_p.h"
+
+#include <QFileInfo>
+
+namespace VyObjects {
+
+bool TsFile::Exists(const TsString& path)
+{
+    if (path.IsEmpty())
+        return false;
+    return QFileInfo(toQString(path)).isFile();
+}
+
+} // namespace VyObjects

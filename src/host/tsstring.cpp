@@ -1,0 +1,140 @@
+#include "tsstring.h"
+
+#include "tsqstring_p.h"
+
+#include <QString>
+
+#include <cwchar>
+
+namespace VyObjects {
+
+namespace {
+
+std::u16string fromQString(const QString& text)
+{
+    return toTsString(text).utf16();
+}
+
+QString toQString(const std::u16string& text)
+{
+    return QString::fromUtf16(text.data(), static_cast<int>(text.size()));
+}
+
+// QString::fromWCharArray knows whether wchar_t holds UTF-16 or UTF-32.
+std::u16string fromWide(const wchar_t* text, std::size_t length)
+{
+    return fromQString(QString::fromWCharArray(text, static_cast<int>(length)));
+}
+
+} // namespace
+
+TsString::TsString(const char* utf8)
+{
+    if (utf8)
+        m_text = fromQString(QString::fromUtf8(utf8));
+}
+
+TsString::TsString(const wchar_t* text)
+{
+    if (text)
+        m_text = fromWide(text, std::wcslen(text));
+}
+
+TsString::TsString(const std::wstring& text)
+    : m_text(fromWide(text.data(), text.size()))
+{
+}
+
+TsString::TsString(const char16_t* utf16)
+{
+    if (utf16)
+        m_text = utf16;
+}
+
+TsString::TsString(std::u16string utf16)
+    : m_text(std::move(utf16))
+{
+}
+
+TsString& TsString::operator=(const std::wstring& text)
+{
+    m_text = fromWide(text.data(), text.size());
+    return *this;
+}
+
+TsString& TsString::operator=(const wchar_t* text)
+{
+    return *this = TsString(text);
+}
+
+TsString& TsString::operator=(const char* utf8)
+{
+    return *this = TsString(utf8);
+}
+
+std::wstring TsString::toStdWString() const
+{
+    return toQString(m_text).toStdWString();
+}
+
+std::string TsString::toUtf8() const
+{
+    return toQString(m_text).toUtf8().toStdString();
+}
+
+int TsString::Compare(const TsString& other) const
+{
+    return m_text.compare(other.m_text);
+}
+
+int TsString::CompareNoCase(const TsString& other) const
+{
+    return QString::compare(toQString(m_text), toQString(other.m_text), Qt::CaseInsensitive);
+}
+
+std::vector<TsString> TsString::split(const TsString& separator) const
+{
+    if (separator.IsEmpty())
+        return {*this};
+    std::vector<TsString> parts;
+    std::size_t start = 0;
+    for (;;) {
+        const std::size_t found = m_text.find(separator.m_text, start);
+        if (found == std::u16string::npos)
+            break;
+        parts.emplace_back(m_text.substr(start, found - start));
+        start = found + separator.m_text.size();
+    }
+    parts.emplace_back(m_text.substr(start));
+    return parts;
+}
+
+int TsString::ToInt() const
+{
+    bool ok = false;
+    const int value = toQString(m_text).trimmed().toInt(&ok, 10);
+    return ok ? value : 0;
+}
+
+TsString TsString::operator+(const TsString& other) const
+{
+    return TsString(m_text + other.m_text);
+}
+
+TsString TsString::operator+(const char* utf8) const
+{
+    return *this + TsString(utf8);
+}
+
+TsString TsString::operator+(const int& number) const
+{
+    return TsString(m_text + fromQString(QString::number(number)));
+}
+
+TsString& TsString::operator+=(const TsString& other)
+{
+    m_text += other.m_text;
+    return *this;
+}
+
+} // namespace VyObjects

@@ -1,0 +1,60 @@
+#include "hosttesting.h"
+
+#include "tsmap.h"
+#include "tsmemorylayer.h"
+
+using namespace VyObjects;
+
+using MapTest = ReferenceBalanceTest;
+
+namespace {
+std::vector<TsString> namesOf(const std::vector<TsRefPtr<TsLayer>>& layers)
+{
+    std::vector<TsString> names;
+    for (const TsRefPtr<TsLayer>& layer : layers)
+        names.push_back(layer->GetLayerName());
+    return names;
+}
+} // namespace
+
+TEST_F(MapTest, HiddenLayersAreListedOnlyOnRequest)
+{
+    const auto map = TsRefPtr<TsMap>::create();
+    const auto roads = TsRefPtr<TsMemoryFeatureLayer>::create("roads", TsLayer::LineLayer);
+    const auto labels = TsRefPtr<TsLayer>::create("labels", TsLayer::AnnotationLayer);
+    labels->SetVisible(false);
+    map->AddLayer(roads);
+    map->AddLayer(labels);
+    EXPECT_EQ(namesOf(map->GetLayers(true)), (std::vector<TsString>{"roads", "labels"}));
+    EXPECT_EQ(namesOf(map->GetLayers(false)), (std::vector<TsString>{"roads"}));
+}
+
+TEST_F(MapTest, NullAndRepeatedLayersAreNotAdded)
+{
+    const auto map = TsRefPtr<TsMap>::create();
+    const auto roads = TsRefPtr<TsLayer>::create("roads", TsLayer::LineLayer);
+    map->AddLayer(roads);
+    map->AddLayer(roads);
+    map->AddLayer(TsRefPtr<TsLayer>());
+    EXPECT_EQ(map->GetLayerCount(), 1);
+}
+
+TEST_F(MapTest, RemovedLayerLeavesTheMap)
+{
+    const auto map = TsRefPtr<TsMap>::create();
+    const auto roads = TsRefPtr<TsLayer>::create("roads", TsLayer::LineLayer);
+    map->AddLayer(roads);
+    EXPECT_TRUE(map->RemoveLayer(roads));
+    EXPECT_FALSE(map->RemoveLayer(roads));
+    EXPECT_TRUE(map->GetLayers(true).empty());
+    EXPECT_EQ(roads->RefCount(), 1);
+}
+
+TEST_F(MapTest, RenamingALayerShowsInTheMap)
+{
+    const auto map = TsRefPtr<TsMap>::create();
+    const auto roads = TsRefPtr<TsLayer>::create("roads", TsLayer::LineLayer);
+    map->AddLayer(roads);
+    roads->SetLayerName("roads-1");
+    EXPECT_EQ(map->GetLayers(true).front()->GetLayerName(), TsString("roads-1"));
+}

@@ -1,0 +1,79 @@
+#include "hosttesting.h"
+
+#include "tsgeo.h"
+
+using namespace VyObjects;
+
+using RefPtrTest = ReferenceBalanceTest;
+
+TEST_F(RefPtrTest, CopiesShareOneObjectAndEachHoldsAReference)
+{
+    const auto point = TsRefPtr<TsGeoPoint>::create(1.0, 2.0);
+    EXPECT_EQ(point->RefCount(), 1);
+    {
+        const TsRefPtr<TsGeoPoint> copy = point;
+        EXPECT_EQ(copy.get(), point.get());
+        EXPECT_EQ(point->RefCount(), 2);
+    }
+    EXPECT_EQ(point->RefCount(), 1);
+}
+
+TEST_F(RefPtrTest, LastReleaseDestroysTheObject)
+{
+    const long long before = TsRefBase::LiveObjectCount();
+    auto* point = new TsGeoPoint(1.0, 2.0);
+    EXPECT_EQ(TsRefBase::LiveObjectCount(), before + 1);
+    point->AddRef();
+    point->AddRef();
+    EXPECT_FALSE(point->Release());
+    EXPECT_TRUE(point->Release());
+    EXPECT_EQ(TsRefBase::LiveObjectCount(), before);
+}
+
+TEST_F(RefPtrTest, MoveHandsTheReferenceOver)
+{
+    auto source = TsRefPtr<TsGeoPoint>::create(1.0, 2.0);
+    const TsRefPtr<TsGeoPoint> target = std::move(source);
+    EXPECT_TRUE(source.isNull());
+    EXPECT_EQ(target->RefCount(), 1);
+}
+
+TEST_F(RefPtrTest, AssignmentReleasesTheOldObject)
+{
+    const long long before = TsRefBase::LiveObjectCount();
+    auto holder = TsRefPtr<TsGeoPoint>::create(1.0, 2.0);
+    holder = TsRefPtr<TsGeoPoint>::create(3.0, 4.0);
+    EXPECT_EQ(TsRefBase::LiveObjectCount(), before + 1);
+    EXPECT_EQ(holder->GetX(), 3.0);
+    holder = holder;   // self-assignment keeps the object
+    EXPECT_EQ(holder->RefCount(), 1);
+}
+
+TEST_F(RefPtrTest, UpcastSharesTheObject)
+{
+    const auto point = TsRefPtr<TsGeoPoint>::create(1.0, 2.0);
+    const TsRefPtr<TsGeometry> geometry = point;
+    EXPECT_EQ(geometry.get(), point.get());
+    EXPECT_EQ(point->RefCount(), 2);
+}
+
+TEST_F(RefPtrTest, DynamicCastGivesNullForAnotherKind)
+{
+    const TsRefPtr<TsGeometry> line = TsRefPtr<TsGeoPath>::create(
+        TsGeometry::PolylineGeometry, std::vector<TsPoint>{{0, 0}, {1, 1}});
+    EXPECT_TRUE(line.dynamicCast<TsGeoPoint>().isNull());
+
+    const TsRefPtr<TsGeometry> point = TsRefPtr<TsGeoPoint>::create(1.0, 2.0);
+    const TsRefPtr<TsGeoPoint> cast = point.dynamicCast<TsGeoPoint>();
+    ASSERT_FALSE(cast.isNull());
+    EXPECT_EQ(cast->RefCount(), 2);
+}
+
+TEST_F(RefPtrTest, NullPointerIsSafeToCopyAndReset)
+{
+    TsRefPtr<TsGeoPoint> empty;
+    TsRefPtr<TsGeoPoint> copy = empty;
+    copy.reset();
+    EXPECT_TRUE(copy == nullptr);
+    EXPECT_FALSE(static_cast<bool>(empty));
+}
