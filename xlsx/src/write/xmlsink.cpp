@@ -1,0 +1,188 @@
+#include "xmlsink.h"
+
+#include "zip/zipwriter.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+
+namespace QXlsx::detail {
+
+namespace {
+
+// What a byte needs before it can go into the XML: 0 nothing; otherwise handled one
+// by one in appendEscaped. Tab and line feed are plain in element content, but an
+// attribute value would have them normalised to blanks.
+enum ByteClass : quint8 { Plain = 0, Special = 1 };
+
+constexpr std::array<quint8, 256> byteClasses(bool attribute)
+{
+    std::array<quint8, 256> t {};
+    for (int c = 0; c < 0x20; ++c)
+        t[size_t(c)] = Special;
+    if (!attribute) {
+        t['\t'] = Plain;
+        t['\n'] = Plain;
+    }
+    t['&'] = Special;
+    t['<'] = Special;
+    t['>'] = Special;
+    t['_'] = Special;     // may start a literal _xHHHH_
+    t[0xEF] = Special;    // may start U+FFFE or U+FFFF
+    if (attribute)
+        t['"'] = Special;
+    return t;
+}
+
+constexpr std::array<quint8, 256> TextClasses = byteClasses(false);
+constexpr std::array<quint8, 256> AttributeClasses = byteClasses(true);
+
+bool isHex(char c)
+{
+    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+
+bool startsEscape(const char* p, size_t left)
+{
+    return left >= 7 && p[1] == 'x' && isHex(p[2]) && isHex(p[3]) && isHex(p[4])
+           && isHex(p[5]) && p[6] == '_';
+}
+
+} // namespace
+
+char* writeUInt(char* out, quint64 value)
+{
+    char digits[20];
+    int n = 0;
+    do {
+        digits[n++] = char('0' + value % 10);
+        value /= 10;
+    } while (value != 0);
+    while (n > 0)
+        *out++ = digits[--n];
+    return out;
+}
+
+XmlSink::XmlSink(Drain drain)
+    : m_drain(std::move(drain)), m_buffer(new char[Capacity])
+{
+    m_pos = m_buffer.get();
+    m_end = m_pos + Capacity;
+}
+
+XmlSink::XmlSink(ZipWriter& zip)
+    : XmlSink([&zip](const char* data, qint64 size) { return zip.write(data, size); })
+{
+}
+
+XmlSink::XmlSink(QByteArray& target)
+    : XmlSink([&target](const char* data, qint64 size) {
+          target.append(data, int(size));
+          return true;
+      })
+{
+}
+
+bool XmlSink::flush()
+{
+    const qint64 used = m_pos - m_buffer.get();
+    if (used > 0 && m_ok)
+        m_ok = m_drain(m_buffer.get(), used);
+    m_pos = m_buffer.get();
+    return m_ok;
+}
+
+void XmlSink::appendLong(const char* data, size_t size)
+{
+    while (size > 0) {
+        if (m_pos == m_end)
+            flush();
+        const size_t n = qMin(size, size_t(m_end - m_pos));
+        std::memcpy(m_pos, data, n);
+        m_pos += n;
+        data += n;
+        size -= n;
+    }
+}
+
+void XmlSink::appendUInt(quint64 value)
+{
+    commit(writeUInt(reserve(24), value));
+}
+
+void XmlSink::appendNumber(double value)
+{
+    char* out = reserve(32);
+    // Shortest text that reads back as the same double, and never a locale's comma.
+    commit(std::to_chars(out, out + 32, value).ptr);
+}
+
+void XmlSink::appendText(const char* utf8, size_t size) { appendEscaped(utf8, size, false); }
+
+void XmlSink::appendText(const QString& text)
+{
+    const QByteArray utf8 = text.toUtf8();
+    appendEscaped(utf8.constData(), size_t(utf8.size()), false);
+}
+
+void XmlSink::appendAttribute(const char* utf8, size_t size) { appendEscaped(utf8, size, true); }
+
+void XmlSink::appendAttribute(const QString& text)
+{
+    const QByteArray utf8 = text.toUtf8();
+    appendEscaped(utf8.constData(), size_t(utf8.size()), true);
+}
+
+void XmlSink::appendEscaped(const char* s, size_t size, bool attribute)
+{
+    const std::array<quint8, 256>& classes = attribute ? AttributeClasses : TextClasses;
+    size_t i = 0;
+    while (i < size) {
+        const size_t start = i;
+        while (i < size && classes[quint8(s[i])] == Plain)
+            ++i;
+        append(s + start, i - start);
+        if (i == size)
+            break;
+
+        const quint8 c = quint8(s[i]);
+        switch (c) {
+        case '&': literal("&amp;"); break;
+        case '<': literal("&lt;"); break;
+        case '>': literal("&gt;"); break;
+        case '"': literal("&quot;"); break;
+        case '\t': literal("&#9;"); break;
+        case '\n': literal("&#10;"); break;
+        // A raw carriage return would come back as a line feed from any XML parser.
+        case '\r': literal("&#13;"); break;
+        case '_':
+            if (startsEscape(s + i, size - i))
+                literal("_x005F_");
+            else
+                literal("_");
+            break;
+        case 0xEF:
+            if (i + 2 < size && quint8(s[i + 1]) == 0xBF
+                && (quint8(s[i + 2]) == 0xBE || quint8(s[i + 2]) == 0xBF)) {
+                if (quint8(s[i + 2]) == 0xBE)
+                    literal("_xFFFE_");
+                else
+                    literal("_xFFFF_");
+                i += 2;
+            } else {
+                append(s + i, 1);
+            }
+            break;
+        default: {
+            // The other control characters: not allowed in XML 1.0 at all.
+            static const char hex[] = "0123456789ABCDEF";
+            const char escape[7] = {'_', 'x', '0', '0', hex[c >> 4], hex[c & 15], '_'};
+            append(escape, 7);
+            break;
+        }
+        }
+        ++i;
+    }
+}
+
+} // namespace QXlsx::detail
