@@ -1,0 +1,75 @@
+#include "model/stringpool.h"
+
+#include <gtest/gtest.h>
+
+using QXlsx::detail::StringPool;
+
+TEST(StringPool, EqualTextsShareOneEntry)
+{
+    StringPool pool;
+    const quint32 a = pool.add(u"Feature 1");
+    const quint32 b = pool.add(u"Feature 2");
+    EXPECT_NE(a, b);
+    EXPECT_EQ(pool.add(u"Feature 1"), a);
+    EXPECT_EQ(pool.add("Feature 2", 9), b);
+    EXPECT_EQ(pool.count(), 2u);
+}
+
+TEST(StringPool, KeepsTextExactly)
+{
+    StringPool pool;
+    const QString texts[] = {
+        QString(), QStringLiteral("  padded  "), QStringLiteral("line\nbreak\r\n"),
+        QString::fromUtf8("\xF0\x9F\x98\x80 emoji"), QString::fromUtf8("\xE4\xB8\xAD\xE6\x96\x87"),
+        QStringLiteral("_x0041_ stays"), QString(QChar(1)) + QChar(0x1F), QStringLiteral("caf\u00e9"),
+    };
+    for (const QString& text : texts)
+        EXPECT_EQ(pool.text(pool.add(text)), text);
+    // Case and a lone character differ from their neighbours.
+    EXPECT_NE(pool.add(u"a"), pool.add(u"A"));
+}
+
+TEST(StringPool, LoneSurrogateBecomesReplacementCharacter)
+{
+    StringPool pool;
+    const QString broken = QStringLiteral("a") + QChar(0xD800) + QStringLiteral("b");
+    EXPECT_EQ(pool.text(pool.add(broken)), QString::fromUtf8("a\xEF\xBF\xBD" "b"));
+}
+
+TEST(StringPool, ManyEntriesAndLongTextsSurviveGrowth)
+{
+    StringPool pool;
+    for (int i = 0; i < 200000; ++i)
+        ASSERT_EQ(pool.add(QString::number(i)), quint32(i));
+    const QString longText(200000, QLatin1Char('x'));   // larger than one arena chunk
+    const quint32 big = pool.add(longText);
+    const quint32 after = pool.add(u"after");
+    for (int i = 0; i < 200000; i += 997)
+        ASSERT_EQ(pool.text(quint32(i)), QString::number(i));
+    EXPECT_EQ(pool.text(big), longText);
+    EXPECT_EQ(pool.text(after), QStringLiteral("after"));
+    EXPECT_EQ(pool.add(QString::number(4242)), 4242u);
+}
+
+TEST(StringPool, RichEntriesAreNeverShared)
+{
+    StringPool pool;
+    const quint32 plain = pool.add(u"Bold");
+    const quint32 rich = pool.addRich(QStringLiteral("Bold"), "<r><rPr><b/></rPr><t>Bold</t></r>");
+    EXPECT_NE(plain, rich);
+    EXPECT_TRUE(pool.isRich(rich));
+    EXPECT_FALSE(pool.isRich(plain));
+    EXPECT_EQ(pool.text(rich), QStringLiteral("Bold"));
+    EXPECT_EQ(pool.richXml(rich), QByteArray("<r><rPr><b/></rPr><t>Bold</t></r>"));
+    EXPECT_EQ(pool.add(u"Bold"), plain);
+}
+
+TEST(StringPool, ClearForgetsEverything)
+{
+    StringPool pool;
+    pool.add(u"one");
+    pool.clear();
+    EXPECT_EQ(pool.count(), 0u);
+    EXPECT_EQ(pool.add(u"two"), 0u);
+    EXPECT_EQ(pool.text(0), QStringLiteral("two"));
+}

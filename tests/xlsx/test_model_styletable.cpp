@@ -1,0 +1,72 @@
+#include "model/styletable.h"
+
+#include <gtest/gtest.h>
+
+using QXlsx::Format;
+using QXlsx::detail::DateKind;
+using QXlsx::detail::StyleTable;
+
+TEST(StyleTable, DefaultFormatIsIndexZeroAndEqualFormatsShareAnIndex)
+{
+    StyleTable table;
+    EXPECT_EQ(table.indexOf(Format()), 0u);
+    Format a;
+    a.setFontBold(true);
+    Format b;
+    b.setFontBold(true);
+    const quint32 index = table.indexOf(a);
+    EXPECT_EQ(index, 1u);
+    EXPECT_EQ(table.indexOf(b), index);
+    EXPECT_EQ(table.indexOf(a), index);
+    EXPECT_EQ(table.format(index), a);
+}
+
+TEST(StyleTable, AFormatChangedAfterUseGetsItsOwnIndex)
+{
+    StyleTable table;
+    Format f;
+    f.setFontBold(true);
+    const quint32 bold = table.indexOf(f);
+    f.setFontItalic(true);
+    EXPECT_NE(table.indexOf(f), bold);
+    EXPECT_TRUE(table.format(bold).fontBold());
+    EXPECT_FALSE(table.format(bold).fontItalic());
+}
+
+TEST(StyleTable, AppendKeepsFileOrderAndDuplicates)
+{
+    StyleTable table;
+    table.clear();
+    EXPECT_EQ(table.append(Format()), 0u);
+    EXPECT_EQ(table.append(Format()), 1u);
+    EXPECT_EQ(table.indexOf(Format()), 0u);
+    EXPECT_EQ(table.count(), 2u);
+}
+
+TEST(StyleTable, DateTimeFlagsAndUnknownIndexes)
+{
+    StyleTable table;
+    Format date;
+    date.setNumberFormat(QStringLiteral("dd.mm.yyyy"));
+    const quint32 index = table.indexOf(date);
+    EXPECT_TRUE(table.isDateTime(index));
+    EXPECT_FALSE(table.isDateTime(0));
+    EXPECT_FALSE(table.isDateTime(999));
+    EXPECT_TRUE(table.format(999).isEmpty());
+}
+
+TEST(StyleTable, DateFormatIsAddedOnlyWhenTheBaseHasNone)
+{
+    StyleTable table;
+    Format bordered;
+    bordered.setBorderStyle(Format::BorderThin);
+    const quint32 base = table.indexOf(bordered);
+    const quint32 dated = table.indexWithDateFormat(base, DateKind::Date);
+    EXPECT_EQ(table.format(dated).numberFormatIndex(), 14);
+    EXPECT_EQ(table.format(dated).leftBorderStyle(), Format::BorderThin);
+    EXPECT_EQ(table.indexWithDateFormat(base, DateKind::Date), dated);
+    EXPECT_EQ(table.format(table.indexWithDateFormat(0, DateKind::DateTime)).numberFormat(),
+              QStringLiteral("yyyy-mm-dd hh:mm:ss"));
+    EXPECT_TRUE(table.format(table.indexWithDateFormat(0, DateKind::Time)).isDateTimeFormat());
+    EXPECT_EQ(table.indexWithDateFormat(dated, DateKind::Time), dated);
+}
