@@ -1,0 +1,243 @@
+// Workbooks written by the engine, as openpyxl reads them.
+
+#include "test_read_package.h"
+#include "test_write_support.h"
+
+#include "xlsxdocument.h"
+
+#include <gtest/gtest.h>
+
+#include <QJsonArray>
+
+using namespace QXlsx;
+using namespace writetest;
+
+namespace {
+
+#define REQUIRE_OPENPYXL()                                                       \
+    if (!haveOpenpyxl())                                                         \
+        GTEST_SKIP() << "no Python with openpyxl at " VYGIS_PYTHON3
+
+std::string str(const QJsonValue& v) { return v.toString().toStdString(); }
+
+QJsonObject sheetOf(const QJsonObject& dump, int index)
+{
+    return dump.value("sheets").toArray().at(index).toObject();
+}
+
+} // namespace
+
+TEST(WriteOpenpyxl, ValuesOfEveryKind)
+{
+    REQUIRE_OPENPYXL();
+    Format grey;
+    grey.setPatternBackgroundColor(QColor(192, 192, 192));
+    Document doc;
+    doc.write("A1", QStringLiteral("text"));
+    doc.write("A2", 42);
+    doc.write("A3", -1234.5678);
+    doc.write("A4", true);
+    doc.write("A5", false);
+    doc.write("A6", QDate(2024, 2, 29));
+    doc.write("A7", QDateTime(QDate(1999, 12, 31), QTime(23, 59, 30)));
+    doc.write("A8", QTime(6, 30));
+    doc.write("A9", QVariant(), grey);
+    const QJsonObject dump = openpyxlDump(saved(doc, "values.xlsx"));
+
+    EXPECT_EQ(str(dumpedCell(dump, 0, "A1").value("value")), "text");
+    EXPECT_EQ(dumpedCell(dump, 0, "A2").value("value").toDouble(), 42);
+    EXPECT_EQ(dumpedCell(dump, 0, "A3").value("value").toDouble(), -1234.5678);
+    EXPECT_EQ(str(dumpedCell(dump, 0, "A4").value("type")), "b");
+    EXPECT_TRUE(dumpedCell(dump, 0, "A4").value("value").toBool());
+    EXPECT_FALSE(dumpedCell(dump, 0, "A5").value("value").toBool());
+    EXPECT_EQ(str(dumpedCell(dump, 0, "A6").value("value").toObject().value("datetime")), "2024-02-29T00:00:00");
+    EXPECT_EQ(str(dumpedCell(dump, 0, "A7").value("value").toObject().value("datetime")), "1999-12-31T23:59:30");
+    EXPECT_EQ(str(dumpedCell(dump, 0, "A8").value("value").toObject().value("datetime")), "06:30:00");
+    const QJsonObject blank = dumpedCell(dump, 0, "A9");
+    EXPECT_TRUE(blank.value("value").isNull());
+    EXPECT_EQ(str(blank.value("fillColor")), "FFC0C0C0");
+}
+
+TEST(WriteOpenpyxl, FormatsMergesAndSizes)
+{
+    REQUIRE_OPENPYXL();
+    Format centred;
+    centred.setHorizontalAlignment(Format::AlignHCenter);
+    centred.setVerticalAlignment(Format::AlignVCenter);
+    centred.setBorderStyle(Format::BorderThin);
+    Format header = centred;
+    header.setFontBold(true);
+    header.setPatternBackgroundColor(QColor(0xC0, 0xC0, 0xC0));
+    Format money;
+    money.setNumberFormat(QStringLiteral("#,##0.00 \"EUR\""));
+
+    Document doc;
+    doc.write(1, 1, QStringLiteral("Roads_attribute table"), centred);
+    doc.mergeCells(CellRange(1, 1, 1, 4), centred);
+    doc.write(2, 1, QStringLiteral("Name"), header);
+    doc.write(3, 2, 1234.5, money);
+    doc.setRowHeight(2, 30);
+    doc.setColumnWidth(2, 3, 25);
+    const QJsonObject dump = openpyxlDump(saved(doc, "formats.xlsx"));
+    const QJsonObject sheet = sheetOf(dump, 0);
+
+    const QJsonObject title = dumpedCell(dump, 0, "A1");
+    EXPECT_EQ(str(title.value("horizontal")), "center");
+    EXPECT_EQ(str(title.value("vertical")), "center");
+    EXPECT_EQ(title.value("border").toArray(), QJsonArray({"thin", "thin", "thin", "thin"}));
+    EXPECT_FALSE(title.value("bold").toBool());
+    const QJsonObject name = dumpedCell(dump, 0, "A2");
+    EXPECT_TRUE(name.value("bold").toBool());
+    EXPECT_EQ(str(name.value("fill")), "solid");
+    EXPECT_EQ(str(name.value("fillColor")), "FFC0C0C0");
+    EXPECT_EQ(str(name.value("horizontal")), "center");
+    EXPECT_EQ(str(dumpedCell(dump, 0, "B3").value("numberFormat")), "#,##0.00 \"EUR\"");
+    EXPECT_EQ(sheet.value("merges").toArray(), QJsonArray({"A1:D1"}));
+    EXPECT_EQ(sheet.value("rowHeights").toObject().value("2").toDouble(), 30);
+    EXPECT_EQ(sheet.value("columnWidths").toObject().value("B").toDouble(), 25);
+    EXPECT_TRUE(sheet.value("columnWidths").toObject().value("A").isUndefined());
+}
+
+TEST(WriteOpenpyxl, TextComesBackExactlyAsWritten)
+{
+    REQUIRE_OPENPYXL();
+    const QStringList texts = {
+        QStringLiteral("  leading and trailing  "), QStringLiteral("two\nlines"),
+        QStringLiteral("windows\r\nbreak"), QStringLiteral("tab\there"),
+        QString::fromUtf8("emoji \xF0\x9F\x98\x80 and CJK \xE4\xB8\xAD\xE6\x96\x87"),
+        QStringLiteral("_x0041_"), QStringLiteral("=1+1"), QStringLiteral("007"),
+        QStringLiteral("1234.5678"), QStringLiteral("http://example.com/a?b=1&c=2"),
+        QStringLiteral("TRUE"), QStringLiteral("<b>&amp;</b>"), QStringLiteral(" ")};
+    Document doc;
+    for (int i = 0; i < texts.size(); ++i)
+        doc.write(i + 1, 1, texts[i]);
+    const QJsonObject dump = openpyxlDump(saved(doc, "texts.xlsx"));
+
+    for (int i = 0; i < texts.size(); ++i) {
+        const QJsonObject cell = dumpedCell(dump, 0, QStringLiteral("A%1").arg(i + 1));
+        EXPECT_EQ(str(cell.value("type")), "s") << texts[i].toStdString();
+        EXPECT_EQ(cell.value("value").toString(), texts[i]);
+    }
+}
+
+TEST(WriteOpenpyxl, ControlCharactersAreEscapedNotInvalidXml)
+{
+    REQUIRE_OPENPYXL();
+    const QString text = QStringLiteral("bell\x07 and \x01 start");
+    Document doc;
+    doc.write(1, 1, text);
+    const QString path = saved(doc, "control.xlsx");
+
+    // openpyxl shows the escape itself, as it does for the same text saved by Excel.
+    EXPECT_EQ(str(dumpedCell(openpyxlDump(path), 0, "A1").value("value")), "bell_x0007_ and _x0001_ start");
+    EXPECT_EQ(Document(path).read(1, 1).toString(), text);
+}
+
+TEST(WriteOpenpyxl, SheetsKeepTheirOrderNamesAndActiveTab)
+{
+    REQUIRE_OPENPYXL();
+    Document doc;
+    doc.write(1, 1, 1);
+    doc.addSheet(QString::fromUtf8("Stra\xC3\x9F" "en & Wege"));
+    doc.write(1, 1, 2);
+    doc.addSheet(QStringLiteral("Last"));
+    doc.write(1, 1, 3);
+    doc.selectSheet(QString::fromUtf8("Stra\xC3\x9F" "en & Wege"));
+    const QJsonObject dump = openpyxlDump(saved(doc, "sheets.xlsx"));
+
+    ASSERT_EQ(dump.value("sheets").toArray().size(), 3);
+    EXPECT_EQ(str(sheetOf(dump, 0).value("title")), "Sheet1");
+    EXPECT_EQ(sheetOf(dump, 1).value("title").toString(), QString::fromUtf8("Stra\xC3\x9F" "en & Wege"));
+    EXPECT_EQ(str(sheetOf(dump, 2).value("title")), "Last");
+    EXPECT_EQ(dumpedCell(dump, 2, "A1").value("value").toDouble(), 3);
+    EXPECT_EQ(dump.value("active").toInt(), 1);
+}
+
+TEST(WriteOpenpyxl, TheLastCellOfTheGridIsWritten)
+{
+    REQUIRE_OPENPYXL();
+    Document doc;
+    ASSERT_TRUE(doc.write(1048576, 16384, QStringLiteral("corner")));
+    doc.write(1, 1, 1);
+    QString error;
+    const QByteArray out = runPython(
+        {"-c", "import openpyxl,sys; ws=openpyxl.load_workbook(sys.argv[1]).active; "
+               "print(ws.dimensions, ws['XFD1048576'].value)",
+         saved(doc, "limits.xlsx")}, &error);
+    EXPECT_EQ(out.trimmed().toStdString(), "A1:XFD1048576 corner") << error.toStdString();
+}
+
+TEST(WriteOpenpyxl, ThePackageIsAValidZip)
+{
+    REQUIRE_OPENPYXL();
+    Document doc;
+    for (int row = 1; row <= 2000; ++row)
+        doc.write(row, 1, QStringLiteral("row %1").arg(row));
+    QString error;
+    const QByteArray out = runPython(
+        {"-c", "import zipfile,sys; z=zipfile.ZipFile(sys.argv[1]); print(z.testzip(), len(z.namelist()))",
+         saved(doc, "valid.xlsx")}, &error);
+    EXPECT_EQ(out.trimmed().toStdString(), "None 9") << error.toStdString();
+}
+
+TEST(WriteOpenpyxl, AnOpenedWorkbookKeepsWhatTheEngineDoesNotModel)
+{
+    REQUIRE_OPENPYXL();
+    const QString original = scratchPath("made-by-openpyxl.xlsx");
+    QString error;
+    runPython({"-c",
+               "import openpyxl,sys\n"
+               "from openpyxl.comments import Comment\n"
+               "from openpyxl.workbook.defined_name import DefinedName\n"
+               "from openpyxl.worksheet.datavalidation import DataValidation\n"
+               "wb=openpyxl.Workbook(); ws=wb.active; ws.title='Data'\n"
+               "ws['A1']='keep'; ws['A1'].comment=Comment('a note','me'); ws['B1']=1\n"
+               "dv=DataValidation(type='list', formula1='\"a,b\"'); ws.add_data_validation(dv); dv.add('C1:C9')\n"
+               "wb.defined_names.append(DefinedName('Total', attr_text='Data!$B$1'))\n"
+               "wb.create_sheet('Other')['A1']='x'\n"
+               "wb.save(sys.argv[1])",
+               original}, &error);
+    ASSERT_TRUE(error.isEmpty()) << error.toStdString();
+
+    Document doc(original);
+    doc.write("B1", 2);
+    const QString path = saved(doc, "reopened.xlsx");
+    const QByteArray out = runPython(
+        {"-c", "import openpyxl,sys; wb=openpyxl.load_workbook(sys.argv[1]); ws=wb['Data']; "
+               "print(ws['A1'].value, ws['A1'].comment.text, ws['B1'].value, "
+               "ws.data_validations.dataValidation[0].sqref, wb.defined_names.get('Total').attr_text, "
+               "wb.sheetnames)",
+         path}, &error);
+    EXPECT_EQ(out.trimmed().toStdString(), "keep a note 2 C1:C9 Data!$B$1 ['Data', 'Other']")
+        << error.toStdString();
+}
+
+TEST(WriteOpenpyxl, TheStaleCalculationChainIsDropped)
+{
+    REQUIRE_OPENPYXL();
+    readtest::Parts parts = readtest::workbookParts(readtest::worksheet(
+        "<row r=\"1\"><c r=\"A1\"><v>1</v></c><c r=\"B1\"><f>A1*2</f><v>2</v></c></row>"));
+    readtest::setPart(parts, "xl/calcChain.xml",
+                      "<calcChain xmlns=\"http://schemas.openxmlformats.org/spreadsheetml/2006/main\">"
+                      "<c r=\"B1\" i=\"1\"/></calcChain>");
+    QByteArray& rels = [&]() -> QByteArray& {
+        for (auto& p : parts)
+            if (p.first == "xl/_rels/workbook.xml.rels")
+                return p.second;
+        return parts.front().second;
+    }();
+    rels.replace("</Relationships>",
+                 "<Relationship Id=\"rId99\" Type=\"http://schemas.openxmlformats.org/officeDocument/"
+                 "2006/relationships/calcChain\" Target=\"calcChain.xml\"/></Relationships>");
+    Document doc(readtest::fileOf(readtest::zipOf(parts)));
+    doc.write("A1", 5);
+    const QString path = saved(doc, "calcchain.xlsx");
+
+    EXPECT_FALSE(entryNames(path).join(' ').contains("calcChain", Qt::CaseInsensitive));
+    EXPECT_FALSE(entry(path, "xl/_rels/workbook.xml.rels").contains("calcChain"));
+    EXPECT_FALSE(entry(path, "[Content_Types].xml").contains("calcChain"));
+    EXPECT_TRUE(entry(path, "xl/worksheets/sheet1.xml").contains("<f>A1*2</f>"));
+    const QJsonObject dump = openpyxlDump(path);
+    EXPECT_EQ(dumpedCell(dump, 0, "A1").value("value").toDouble(), 5);
+    EXPECT_EQ(str(dumpedCell(dump, 0, "B1").value("value")), "=A1*2");
+}
