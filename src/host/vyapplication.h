@@ -21,7 +21,7 @@ public:
     // A tie in the binary value rounds away from zero (0.125 at 2 gives
     // "0.13"). Magnitudes of 1e15 and more carry no decimals in a double and
     // are written in the shortest form that reads back as the same value
-    // ("1e+15", "1.2345678901234567e+19"). Not-a-number reads "nan",
+    // ("1e+15", "-1e+20"). Not-a-number reads "nan",
     // infinities "inf" and "-inf". The text never depends on the locale.
     static QString doubleToQString(double value, int precision);
 

@@ -49,12 +49,3 @@ TEST_F(MapTest, RemovedLayerLeavesTheMap)
     EXPECT_TRUE(map->GetLayers(true).empty());
     EXPECT_EQ(roads->RefCount(), 1);
 }
-
-TEST_F(MapTest, RenamingALayerShowsInTheMap)
-{
-    const auto map = TsRefPtr<TsMap>::create();
-    const auto roads = TsRefPtr<TsLayer>::create("roads", TsLayer::LineLayer);
-    map->AddLayer(roads);
-    roads->SetLayerName("roads-1");
-    EXPECT_EQ(map->GetLayers(true).front()->GetLayerName(), TsString("roads-1"));
-}

@@ -278,12 +278,6 @@ TEST_F(MemoryLayerTest, CursorKeepsWhatItsFilterAdmittedWhenOpened)
     EXPECT_TRUE(cursor->NextFeature().isNull());
 }
 
-TEST_F(MemoryLayerTest, FieldCollectionCanBeWithheld)
-{
-    layer->SetFieldsAvailable(false);
-    EXPECT_TRUE(layer->GetFields().isNull());
-}
-
 TEST_F(MemoryLayerTest, BufferKeepsItsLayerAlive)
 {
     const TsRefPtr<TsLayerEditBuffer> buffer = layer->layer_edit_buffer();

@@ -68,12 +68,3 @@ TEST_F(RefPtrTest, DynamicCastGivesNullForAnotherKind)
     ASSERT_FALSE(cast.isNull());
     EXPECT_EQ(cast->RefCount(), 2);
 }
-
-TEST_F(RefPtrTest, NullPointerIsSafeToCopyAndReset)
-{
-    TsRefPtr<TsGeoPoint> empty;
-    TsRefPtr<TsGeoPoint> copy = empty;
-    copy.reset();
-    EXPECT_TRUE(copy == nullptr);
-    EXPECT_FALSE(static_cast<bool>(empty));
-}

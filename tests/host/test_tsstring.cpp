@@ -103,10 +103,3 @@ TEST(TsStringTest, PlusAppendsTextAndDecimalNumbers)
     EXPECT_EQ(TsString("") + INT_MIN, TsString("-2147483648"));
     EXPECT_EQ(TsString("a") + TsString(L"\U0001D11E"), TsString(std::wstring(L"a\U0001D11E")));
 }
-
-TEST(TsStringTest, OrderingFollowsCodeUnits)
-{
-    EXPECT_LT(TsString("B"), TsString("a"));
-    EXPECT_FALSE(TsString("a") < TsString("a"));
-    EXPECT_NE(TsString("a"), TsString("A"));
-}
