@@ -1,0 +1,351 @@
+// Reading workbooks made in the tests: what a user of the API sees in each cell, sheet
+// and format, and what the model keeps for a save.
+
+#include "test_read_package.h"
+
+#include "model/workbookdata.h"
+#include "read/packagereader.h"
+#include "xlsxdocument.h"
+
+#include <gtest/gtest.h>
+
+#include <QBuffer>
+
+#include <memory>
+
+using namespace QXlsx;
+using namespace readtest;
+
+namespace {
+
+std::unique_ptr<Document> open(const Parts& parts)
+{
+    QBuffer buffer;
+    buffer.setData(zipOf(parts));
+    buffer.open(QIODevice::ReadOnly);
+    return std::make_unique<Document>(&buffer);
+}
+
+std::unique_ptr<Document> openSheet(const QByteArray& rows, const QByteArray& sharedStrings = {},
+                                    const QByteArray& styles = {})
+{
+    return open(workbookParts(worksheet(rows), sharedStrings, styles));
+}
+
+QByteArray sst(const QByteArray& items)
+{
+    return R"(<sst xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main">)" + items + "</sst>";
+}
+
+// Style 1 is bold, centred and thinly bordered with a solid yellow fill; style 2 shows
+// dates (built-in 14); style 3 a custom date-time code; style 4 a custom number code.
+const QByteArray Styles =
+    R"(<styleSheet xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main">)"
+    R"(<numFmts count="2"><numFmt numFmtId="164" formatCode="yyyy\-mm\-dd\ hh:mm"/>)"
+    R"(<numFmt numFmtId="165" formatCode="0.000&quot;h&quot;"/></numFmts>)"
+    R"(<fonts count="2"><font><sz val="11"/><name val="Calibri"/><family val="2"/></font>)"
+    R"(<font><b/><sz val="12"/><color theme="1" tint="-0.25"/><name val="Arial"/></font></fonts>)"
+    R"(<fills count="3"><fill><patternFill patternType="none"/></fill><fill><patternFill patternType="gray125"/></fill>)"
+    R"(<fill><patternFill patternType="solid"><fgColor rgb="FFFFFF00"/><bgColor indexed="64"/></patternFill></fill></fills>)"
+    R"(<borders count="2"><border><left/><right/><top/><bottom/><diagonal/></border>)"
+    R"(<border><left style="thin"><color auto="1"/></left><right style="thin"/><top style="thin"/><bottom style="medium"><color rgb="FF0000FF"/></bottom><diagonal/></border></borders>)"
+    R"(<cellStyleXfs count="1"><xf numFmtId="0" fontId="0" fillId="0" borderId="0"/></cellStyleXfs>)"
+    R"(<cellXfs count="5"><xf numFmtId="0" fontId="0" fillId="0" borderId="0" xfId="0"/>)"
+    R"(<xf numFmtId="0" fontId="1" fillId="2" borderId="1" xfId="0" applyFont="1"><alignment horizontal="center" vertical="center" wrapText="1"/></xf>)"
+    R"(<xf numFmtId="14" fontId="0" fillId="0" borderId="0" xfId="0" applyNumberFormat="1"/>)"
+    R"(<xf numFmtId="164" fontId="0" fillId="0" borderId="0" xfId="0" applyNumberFormat="1"/>)"
+    R"(<xf numFmtId="165" fontId="0" fillId="0" borderId="0" xfId="0" applyNumberFormat="1"/></cellXfs>)"
+    R"(<cellStyles count="1"><cellStyle name="Normal" xfId="0" builtinId="0"/></cellStyles>)"
+    R"(<dxfs count="0"/></styleSheet>)";
+
+} // namespace
+
+TEST(ReadWorkbook, ReadsEveryKindOfValue)
+{
+    auto doc = openSheet(
+        R"(<row r="1"><c r="A1" t="s"><v>1</v></c><c r="B1"><v>-12.5E2</v></c><c r="C1" t="b"><v>1</v></c>)"
+        R"(<c r="D1" t="e"><v>#N/A</v></c><c r="E1" t="inlineStr"><is><t>inline</t></is></c>)"
+        R"(<c r="F1"><f>1+1</f><v>2</v></c><c r="G1" t="str"><f>"a"&amp;"b"</f><v>ab</v></c>)"
+        R"(<c r="H1" t="b"><v>0</v></c><c r="I1" s="0"/></row>)",
+        sst(R"(<si><t>zero</t></si><si><t>one</t></si>)"));
+    EXPECT_EQ(doc->read(1, 1), QVariant(QStringLiteral("one")));
+    EXPECT_EQ(doc->read(1, 2), QVariant(-1250.0));
+    EXPECT_EQ(doc->read(1, 3), QVariant(true));
+    EXPECT_EQ(doc->read(1, 4), QVariant(QStringLiteral("#N/A")));
+    EXPECT_EQ(doc->cellAt(1, 4)->cellType(), Cell::ErrorType);
+    EXPECT_EQ(doc->read(1, 5), QVariant(QStringLiteral("inline")));
+    EXPECT_EQ(doc->read(1, 6), QVariant(2.0));
+    EXPECT_TRUE(doc->cellAt(1, 6)->hasFormula());
+    EXPECT_EQ(doc->cellAt(1, 6)->formula(), QStringLiteral("1+1"));
+    EXPECT_EQ(doc->read(1, 7), QVariant(QStringLiteral("ab")));
+    EXPECT_EQ(doc->read(1, 8), QVariant(false));
+    ASSERT_NE(doc->cellAt(1, 9), nullptr);
+    EXPECT_TRUE(doc->read(1, 9).isNull());
+    EXPECT_EQ(doc->cellAt(1, 10), nullptr);
+}
+
+TEST(ReadWorkbook, JoinsRichTextRunsAndLeavesOutPhoneticGuides)
+{
+    auto doc = openSheet(
+        R"(<row r="1"><c r="A1" t="s"><v>0</v></c><c r="A2" t="s"><v>1</v></c></row>)"
+        R"(<row r="2"><c r="A2" t="s"><v>1</v></c><c r="B2" t="inlineStr"><is><r><t>in</t></r><r><rPr><b/></rPr><t>line</t></r></is></c></row>)",
+        sst(R"(<si><r><t xml:space="preserve">bold </t></r><r><rPr><b/><sz val="11"/></rPr><t>text</t></r></si>)"
+            R"(<si><t>東京</t><rPh sb="0" eb="2"><t>トウキョウ</t></rPh><phoneticPr fontId="1"/></si>)"));
+    EXPECT_EQ(doc->read(1, 1), QVariant(QStringLiteral("bold text")));
+    EXPECT_EQ(doc->read(2, 1), QVariant(QStringLiteral("東京")));
+    EXPECT_EQ(doc->read(2, 2), QVariant(QStringLiteral("inline")));
+}
+
+TEST(ReadWorkbook, KeepsTextAsWrittenAndDecodesEscapes)
+{
+    auto doc = openSheet(
+        R"(<row r="1"><c r="A1" t="s"><v>0</v></c><c r="B1" t="s"><v>1</v></c><c r="C1" t="inlineStr"><is><t>tab_x0009_end</t></is></c>)"
+        R"(<c r="D1" t="s"><v>2</v></c></row>)",
+        sst(R"(<si><t xml:space="preserve">  two
+lines  </t></si><si><t>bell_x0007__x005F_x0041_</t></si><si><t>😀 ok</t></si>)"));
+    EXPECT_EQ(doc->read(1, 1), QVariant(QStringLiteral("  two\nlines  ")));
+    EXPECT_EQ(doc->read(1, 2), QVariant(QStringLiteral("bell\a_x0041_")));
+    EXPECT_EQ(doc->read(1, 3), QVariant(QStringLiteral("tab\tend")));
+    EXPECT_EQ(doc->read(1, 4), QVariant(QStringLiteral("😀 ok")));
+}
+
+TEST(ReadWorkbook, PlacesCellsAndRowsWithoutReferencesAfterThePreviousOnes)
+{
+    auto doc = openSheet(R"(<row r="3"><c r="B3"><v>1</v></c><c><v>2</v></c></row><row><c><v>3</v></c></row>)");
+    EXPECT_EQ(doc->read(3, 2), QVariant(1.0));
+    EXPECT_EQ(doc->read(3, 3), QVariant(2.0));
+    EXPECT_EQ(doc->read(4, 1), QVariant(3.0));
+    EXPECT_EQ(doc->dimension(), CellRange(3, 1, 4, 3));
+}
+
+TEST(ReadWorkbook, DropsCellsOutsideTheGridAndKeepsTheRest)
+{
+    auto doc = openSheet(
+        R"(<row r="1"><c r="A0"><v>1</v></c><c r="XFE1"><v>2</v></c><c r="A1"><v>3</v></c><c r="1A"><v>4</v></c></row>)"
+        R"(<row r="1048577"><c r="A1048577"><v>5</v></c></row>)"
+        R"(<row r="1048576"><c r="XFD1048576"><v>6</v></c><c r="XFD1048577"><v>7</v></c></row>)");
+    EXPECT_EQ(doc->read(1, 1), QVariant(3.0));
+    EXPECT_EQ(doc->read(MaxRows, MaxColumns), QVariant(6.0));
+    EXPECT_EQ(doc->dimension(), CellRange(1, 1, MaxRows, MaxColumns));
+    int stored = 0;
+    for (int column : {1, 2, MaxColumns})
+        for (int row : {1, MaxRows})
+            stored += doc->cellAt(row, column) != nullptr;
+    EXPECT_EQ(stored, 2);
+}
+
+TEST(ReadWorkbook, IgnoresStyleAndStringIndexesThatPointNowhere)
+{
+    auto doc = openSheet(
+        R"(<row r="1"><c r="A1" s="-1"><v>1</v></c><c r="B1" s="99999999999"><v>2</v></c><c r="C1" s="4"><v>3</v></c>)"
+        R"(<c r="D1" t="s"><v>5</v></c><c r="E1" t="s"><v>-1</v></c><c r="F1" t="s"><v>99999999999999999999</v></c></row>)",
+        sst("<si><t>only</t></si>"), Styles);
+    EXPECT_TRUE(doc->cellAt(1, 1)->format().isEmpty());
+    EXPECT_TRUE(doc->cellAt(1, 2)->format().isEmpty());
+    EXPECT_EQ(doc->cellAt(1, 3)->format().numberFormat(), QStringLiteral("0.000\"h\""));
+    for (int column = 4; column <= 6; ++column) {
+        ASSERT_NE(doc->cellAt(1, column), nullptr);
+        EXPECT_TRUE(doc->read(1, column).isNull());
+    }
+}
+
+TEST(ReadWorkbook, ReadsCellFormats)
+{
+    auto doc = openSheet(R"(<row r="1"><c r="A1" s="1" t="inlineStr"><is><t>x</t></is></c><c r="B1" s="0"><v>1</v></c></row>)",
+                         {}, Styles);
+    const Format format = doc->cellAt(1, 1)->format();
+    EXPECT_TRUE(format.fontBold());
+    EXPECT_EQ(format.fontSize(), 12.0);
+    EXPECT_EQ(format.fontName(), QStringLiteral("Arial"));
+    EXPECT_EQ(format.horizontalAlignment(), Format::AlignHCenter);
+    EXPECT_EQ(format.verticalAlignment(), Format::AlignVCenter);
+    EXPECT_TRUE(format.textWrap());
+    EXPECT_EQ(format.leftBorderStyle(), Format::BorderThin);
+    EXPECT_EQ(format.bottomBorderStyle(), Format::BorderMedium);
+    EXPECT_EQ(format.bottomBorderColor(), QColor(0, 0, 255));
+    EXPECT_EQ(format.fillPattern(), Format::PatternSolid);
+    EXPECT_EQ(format.patternForegroundColor(), QColor(255, 255, 0));
+    EXPECT_TRUE(doc->cellAt(1, 2)->format().isEmpty());
+}
+
+TEST(ReadWorkbook, RecognisesBuiltInAndCustomDateFormats)
+{
+    auto doc = openSheet(R"(<row r="1"><c r="A1" s="2"><v>45306</v></c><c r="B1" s="3"><v>45306.75</v></c>)"
+                         R"(<c r="C1" s="4"><v>45306</v></c><c r="D1" s="2"><v>0.5</v></c></row>)",
+                         {}, Styles);
+    EXPECT_EQ(doc->read(1, 1), QVariant(QDate(2024, 1, 15)));
+    EXPECT_EQ(doc->read(1, 2), QVariant(QDateTime(QDate(2024, 1, 15), QTime(18, 0))));
+    EXPECT_FALSE(doc->cellAt(1, 3)->isDateTime());
+    EXPECT_EQ(doc->read(1, 3), QVariant(45306.0));
+    EXPECT_EQ(doc->read(1, 4), QVariant(QTime(12, 0)));
+}
+
+TEST(ReadWorkbook, CountsDatesFrom1904WhenTheWorkbookSaysSo)
+{
+    Parts parts = workbookParts(worksheet(R"(<row r="1"><c r="A1" s="2"><v>0</v></c><c r="B1" s="2"><v>1461</v></c></row>)"), {}, Styles);
+    setPart(parts, "xl/workbook.xml",
+            R"(<workbook xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main" xmlns:r="http://schemas.openxmlformats.org/officeDocument/2006/relationships">)"
+            R"(<workbookPr date1904="1"/><sheets><sheet name="Data" sheetId="1" r:id="rId1"/></sheets></workbook>)");
+    auto doc = open(parts);
+    EXPECT_TRUE(doc->isDate1904());
+    EXPECT_EQ(doc->cellAt(1, 2)->dateTime().date(), QDate(1908, 1, 1));
+    EXPECT_EQ(doc->read(1, 2), QVariant(QDate(1908, 1, 1)));
+}
+
+TEST(ReadWorkbook, ConvertsIsoDateCellsToSerials)
+{
+    auto doc = openSheet(R"(<row r="1"><c r="A1" t="d" s="2"><v>2024-01-15</v></c><c r="B1" t="d"><v>2024-01-15T06:00:00Z</v></c></row>)",
+                         {}, Styles);
+    EXPECT_EQ(doc->read(1, 1), QVariant(QDate(2024, 1, 15)));
+    EXPECT_EQ(doc->read(1, 2), QVariant(45306.25));
+}
+
+TEST(ReadWorkbook, ReadsMergesRowHeightsAndColumnWidths)
+{
+    Parts parts = workbookParts(
+        R"(<worksheet xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main"><sheetFormatPr defaultRowHeight="15"/>)"
+        R"(<cols><col min="2" max="4" width="20.5" customWidth="1"/><col min="1" max="1" width="5" customWidth="1"/></cols>)"
+        R"(<sheetData><row r="2" ht="30" customHeight="1"><c r="A2"><v>1</v></c></row></sheetData>)"
+        R"(<mergeCells count="3"><mergeCell ref="A1:C2"/><mergeCell ref="E5"/><mergeCell ref="D1:XFE2"/></mergeCells></worksheet>)");
+    auto doc = open(parts);
+    Worksheet* sheet = doc->currentWorksheet();
+    ASSERT_NE(sheet, nullptr);
+    EXPECT_EQ(sheet->mergedCells(), QList<CellRange>{CellRange(1, 1, 2, 3)});
+    EXPECT_EQ(sheet->rowHeight(2), 30.0);
+    EXPECT_EQ(sheet->rowHeight(3), 15.0);
+    EXPECT_EQ(sheet->columnWidth(1), 5.0);
+    EXPECT_EQ(sheet->columnWidth(3), 20.5);
+}
+
+namespace {
+
+Parts twoSheetWorkbook(const QByteArray& activeTab)
+{
+    Parts parts = workbookParts(worksheet(R"(<row r="1"><c r="A1"><v>7</v></c></row>)"));
+    setPart(parts, "xl/workbook.xml",
+            R"(<workbook xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main" xmlns:r="http://schemas.openxmlformats.org/officeDocument/2006/relationships">)"
+            R"(<bookViews><workbookView activeTab=")" + activeTab + R"("/></bookViews>)"
+            R"(<sheets><sheet name="Data" sheetId="1" r:id="rId1"/><sheet name="Chart" sheetId="2" r:id="rId9" state="hidden"/></sheets>)"
+            R"(<definedNames><definedName name="x">Data!$A$1</definedName></definedNames></workbook>)");
+    setPart(parts, "xl/_rels/workbook.xml.rels",
+            R"(<Relationships xmlns="http://schemas.openxmlformats.org/package/2006/relationships">)"
+            R"(<Relationship Id="rId1" Type="http://schemas.openxmlformats.org/officeDocument/2006/relationships/worksheet" Target="worksheets/sheet1.xml"/>)"
+            R"(<Relationship Id="rId9" Type="http://schemas.openxmlformats.org/officeDocument/2006/relationships/chartsheet" Target="/xl/chartsheets/sheet1.xml"/>)"
+            R"(<Relationship Id="rId5" Type="http://schemas.openxmlformats.org/officeDocument/2006/relationships/theme" Target="theme/theme1.xml"/>)"
+            R"(</Relationships>)");
+    setPart(parts, "xl/chartsheets/sheet1.xml", R"(<chartsheet xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main"><drawing r:id="rId1" xmlns:r="urn:r"/></chartsheet>)");
+    setPart(parts, "xl/theme/theme1.xml", "<a:theme xmlns:a=\"urn:a\">\r\n  bytes as they were</a:theme>");
+    setPart(parts, "docProps/app.xml", "<Properties/>");
+    return parts;
+}
+
+} // namespace
+
+TEST(ReadWorkbook, OpensOnAChartSheetWhenItIsTheActiveTab)
+{
+    auto doc = open(twoSheetWorkbook("1"));
+    EXPECT_EQ(doc->sheetNames(), (QStringList{"Data", "Chart"}));
+    ASSERT_NE(doc->currentSheet(), nullptr);
+    EXPECT_EQ(doc->currentSheet()->sheetName(), QStringLiteral("Chart"));
+    EXPECT_EQ(doc->currentSheet()->sheetType(), AbstractSheet::ST_ChartSheet);
+    EXPECT_EQ(doc->currentSheet()->sheetState(), AbstractSheet::SS_Hidden);
+    EXPECT_EQ(doc->currentWorksheet(), nullptr);
+    EXPECT_TRUE(doc->selectSheet("Data"));
+    EXPECT_EQ(doc->read(1, 1), QVariant(7.0));
+}
+
+TEST(ReadWorkbook, ClampsAnActiveTabBeyondTheSheets)
+{
+    auto doc = open(twoSheetWorkbook("9"));
+    EXPECT_EQ(doc->currentSheet()->sheetName(), QStringLiteral("Chart"));
+}
+
+TEST(ReadWorkbook, KeepsWhatItDoesNotModelForTheSave)
+{
+    QBuffer buffer;
+    buffer.setData(zipOf(twoSheetWorkbook("0")));
+    buffer.open(QIODevice::ReadOnly);
+    detail::WorkbookData book;
+    QString error;
+    ASSERT_TRUE(detail::readPackage(buffer, book, &error));
+
+    QStringList kept;
+    for (const auto& part : book.keptParts)
+        kept << part.name;
+    kept.sort();
+    EXPECT_EQ(kept, (QStringList{"docProps/app.xml", "xl/theme/theme1.xml"}));
+    for (const auto& part : book.keptParts) {
+        if (part.name == "xl/theme/theme1.xml") {
+            EXPECT_EQ(part.data.toStdString(), "<a:theme xmlns:a=\"urn:a\">\r\n  bytes as they were</a:theme>");
+            EXPECT_EQ(part.contentType, QStringLiteral("application/xml"));
+        }
+    }
+    ASSERT_EQ(book.workbookRelationships.size(), 1u);
+    EXPECT_EQ(book.workbookRelationships[0].target, QStringLiteral("theme/theme1.xml"));
+    ASSERT_EQ(book.workbookExtraElements.size(), 2u);
+    EXPECT_EQ(book.workbookExtraElements[1].localName, "definedNames");
+    EXPECT_EQ(book.workbookExtraElements[1].xml.toStdString(),
+              R"(<definedNames><definedName name="x">Data!$A$1</definedName></definedNames>)");
+    EXPECT_TRUE(book.sheets[1]->rawPart.startsWith("<chartsheet"));
+    EXPECT_EQ(book.sheets[1]->partName, QStringLiteral("xl/chartsheets/sheet1.xml"));
+}
+
+TEST(ReadWorkbook, KeepsUnmodelledWorksheetElementsInFileOrder)
+{
+    QBuffer buffer;
+    buffer.setData(zipOf(workbookParts(
+        R"(<worksheet xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main" xmlns:r="urn:r">)"
+        R"(<sheetPr><tabColor rgb="FFFF0000"/></sheetPr><dimension ref="A1:Z99"/><sheetViews><sheetView tabSelected="1" workbookViewId="0"/></sheetViews>)"
+        R"(<sheetData><row r="1"><c r="A1"><v>1</v></c></row></sheetData>)"
+        R"(<hyperlinks><hyperlink ref="A1" r:id="rId1"/></hyperlinks><pageMargins left="0.7" right="0.7" top="0.75" bottom="0.75" header="0.3" footer="0.3"/></worksheet>)")));
+    buffer.open(QIODevice::ReadOnly);
+    detail::WorkbookData book;
+    ASSERT_TRUE(detail::readPackage(buffer, book, nullptr));
+    const auto& sheet = *book.sheets[0];
+    QList<QByteArray> names;
+    for (const auto& element : sheet.extraElements)
+        names << element.localName;
+    EXPECT_EQ(names, (QList<QByteArray>{"sheetPr", "sheetViews", "hyperlinks", "pageMargins"}));
+    // The prefix declared on the root goes with the element that uses it.
+    EXPECT_EQ(sheet.extraElements[2].xml.toStdString(),
+              R"(<hyperlinks xmlns:r="urn:r"><hyperlink ref="A1" r:id="rId1"/></hyperlinks>)");
+    EXPECT_TRUE(sheet.rootStartTag.startsWith("<worksheet xmlns="));
+}
+
+TEST(ReadWorkbook, ReadsPartsWithUnusualPrefixes)
+{
+    const QByteArray main = "http://schemas.openxmlformats.org/spreadsheetml/2006/main";
+    Parts parts = workbookParts(
+        R"(<x:worksheet xmlns:x=")" + main + R"("><x:sheetData><x:row r="1"><x:c r="A1" t="s"><x:v>0</x:v></x:c>)"
+        R"(<x:c r="B1" t="inlineStr"><x:is><x:t>inline</x:t></x:is></x:c></x:row></x:sheetData></x:worksheet>)",
+        R"(<x:sst xmlns:x=")" + main + R"("><x:si><x:t>shared</x:t></x:si></x:sst>)");
+    setPart(parts, "xl/workbook.xml",
+            R"(<x:workbook xmlns:x=")" + main + R"(" xmlns:rel="http://schemas.openxmlformats.org/officeDocument/2006/relationships">)"
+            R"(<x:sheets><x:sheet name="Prefixed" sheetId="1" rel:id="rId1"/></x:sheets></x:workbook>)");
+    auto doc = open(parts);
+    EXPECT_EQ(doc->sheetNames(), QStringList{"Prefixed"});
+    EXPECT_EQ(doc->read(1, 1), QVariant(QStringLiteral("shared")));
+    EXPECT_EQ(doc->read(1, 2), QVariant(QStringLiteral("inline")));
+}
+
+TEST(ReadWorkbook, FollowsAbsoluteAndRelativePartPaths)
+{
+    Parts parts;
+    parts.emplace_back("_rels/.rels",
+        R"(<Relationships xmlns="http://schemas.openxmlformats.org/package/2006/relationships">)"
+        R"(<Relationship Id="r" Type="http://schemas.openxmlformats.org/officeDocument/2006/relationships/officeDocument" Target="/book/main.xml"/></Relationships>)");
+    parts.emplace_back("book/main.xml",
+        R"(<workbook xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main" xmlns:r="http://schemas.openxmlformats.org/officeDocument/2006/relationships">)"
+        R"(<sheets><sheet name="A" sheetId="1" r:id="a"/><sheet name="B" sheetId="2" r:id="b"/></sheets></workbook>)");
+    parts.emplace_back("book/_rels/main.xml.rels",
+        R"(<Relationships xmlns="http://schemas.openxmlformats.org/package/2006/relationships">)"
+        R"(<Relationship Id="a" Type="http://schemas.openxmlformats.org/officeDocument/2006/relationships/worksheet" Target="../sheets/./one.xml"/>)"
+        R"(<Relationship Id="b" Type="http://purl.oclc.org/ooxml/officeDocument/relationships/worksheet" Target="/Sheets/Two.XML"/></Relationships>)");
+    parts.emplace_back("sheets/one.xml", worksheet(R"(<row r="1"><c r="A1"><v>1</v></c></row>)"));
+    parts.emplace_back("sheets/two.xml", worksheet(R"(<row r="1"><c r="A1"><v>2</v></c></row>)"));
+    auto doc = open(parts);
+    EXPECT_EQ(doc->sheetNames(), (QStringList{"A", "B"}));
+    EXPECT_EQ(doc->read(1, 1), QVariant(1.0));
+    ASSERT_TRUE(doc->selectSheet("B"));
+    EXPECT_EQ(doc->read(1, 1), QVariant(2.0));
+}
