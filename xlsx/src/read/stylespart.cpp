@@ -59,8 +59,10 @@ ColorSpec colorSpec(const XmlAttributes& attributes)
     const char** list = attributes.list();
     const char* rgb = attributes.value("rgb");
     if (rgb && list[0] && !list[2]) {
+        // Spreadsheet programs ignore the alpha byte (openpyxl writes 00 for opaque
+        // colours), so every colour read is opaque.
         const uint value = uint(std::strtoul(rgb, nullptr, 16));
-        color.rgb = std::strlen(rgb) <= 6 ? QColor::fromRgb(value | 0xFF000000u) : QColor::fromRgba(value);
+        color.rgb = QColor::fromRgb(value | 0xFF000000u);
         return color;
     }
     for (const char** a = list; *a; a += 2) {
