@@ -4,7 +4,10 @@
 
 #include <zlib.h>
 
-#include <climits>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <thread>
 
 namespace QXlsx::detail {
 
@@ -26,6 +29,12 @@ constexpr quint64 Max32 = 0xFFFFFFFFu;
 constexpr quint64 Max16 = 0xFFFFu;
 
 constexpr int OutputBufferSize = 256 * 1024;
+// Bytes handed to the worker at once, and how many such pieces may wait: enough to keep
+// both threads busy, little enough to keep memory flat whatever the part size.
+constexpr size_t PieceSize = 256 * 1024;
+constexpr size_t MaxQueuedPieces = 4;
+
+enum JobKind { BeginJob, DataJob, EndJob, FinishJob, StopJob };
 
 // Little-endian fields appended to a record under construction.
 void le16(QByteArray& b, quint64 v)
@@ -54,8 +63,28 @@ struct ZipWriter::Deflater
     bool ready = false;
 };
 
+struct ZipWriter::Pipeline
+{
+    struct Job
+    {
+        int kind = DataJob;
+        QByteArray name;
+        std::vector<char> data;
+    };
+
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::deque<Job> queue;
+    std::vector<std::vector<char>> spare;   // used piece buffers, for reuse
+    QString error;                          // the worker's first failure
+    bool failed = false;
+    bool done = false;
+    std::thread worker;
+};
+
 ZipWriter::ZipWriter(QIODevice& device, int level)
-    : m_device(device), m_deflater(std::make_unique<Deflater>()), m_out(OutputBufferSize)
+    : m_device(device), m_deflater(std::make_unique<Deflater>()),
+      m_pipeline(std::make_unique<Pipeline>()), m_out(OutputBufferSize)
 {
     // Raw deflate (negative window bits): a zip entry carries no zlib header or trailer.
     if (deflateInit2(&m_deflater->stream, level, Z_DEFLATED, -MAX_WBITS, 8,
@@ -68,6 +97,10 @@ ZipWriter::ZipWriter(QIODevice& device, int level)
 
 ZipWriter::~ZipWriter()
 {
+    if (m_pipeline->worker.joinable()) {
+        post(StopJob);
+        m_pipeline->worker.join();
+    }
     if (m_deflater->ready)
         deflateEnd(&m_deflater->stream);
 }
@@ -81,18 +114,149 @@ void ZipWriter::setTimestamp(const QDateTime& time)
     m_dosTime = quint16((clock.hour() << 11) | (clock.minute() << 5) | (clock.second() / 2));
 }
 
+// m_error belongs to the worker; the caller's side sees failures through the pipeline.
+bool ZipWriter::hasError() const
+{
+    std::lock_guard<std::mutex> lock(m_pipeline->mutex);
+    return m_pipeline->failed;
+}
+
+QString ZipWriter::errorString() const
+{
+    std::lock_guard<std::mutex> lock(m_pipeline->mutex);
+    return m_pipeline->error;
+}
+
+void ZipWriter::post(int kind, const QByteArray& name)
+{
+    Pipeline& p = *m_pipeline;
+    std::unique_lock<std::mutex> lock(p.mutex);
+    p.changed.wait(lock, [&] { return p.queue.size() < MaxQueuedPieces || p.done; });
+    Pipeline::Job job;
+    job.kind = kind;
+    job.name = name;
+    if (kind == DataJob) {
+        job.data.swap(m_pending);
+        if (!p.spare.empty()) {
+            m_pending.swap(p.spare.back());
+            p.spare.pop_back();
+        }
+        m_pending.clear();
+    }
+    p.queue.push_back(std::move(job));
+    p.changed.notify_all();
+}
+
+void ZipWriter::postPending()
+{
+    if (!m_pending.empty())
+        post(DataJob);
+}
+
 bool ZipWriter::beginEntry(const QString& name)
 {
     if (m_inEntry && !endEntry())
         return false;
-    if (hasError() || m_finished)
+    if (m_finished || hasError())
         return false;
+    const QByteArray utf8 = name.toUtf8();
+    if (utf8.isEmpty() || utf8.size() > int(Max16)) {
+        std::lock_guard<std::mutex> lock(m_pipeline->mutex);
+        m_pipeline->failed = true;
+        m_pipeline->error = QStringLiteral("invalid entry name");
+        return false;
+    }
+    if (!m_pipeline->worker.joinable())
+        m_pipeline->worker = std::thread([this] { run(); });
+    post(BeginJob, utf8);
+    m_inEntry = true;
+    ++m_entryCount;
+    return true;
+}
 
+bool ZipWriter::write(const char* data, qint64 size)
+{
+    if (!m_inEntry || hasError())
+        return false;
+    while (size > 0) {
+        if (m_pending.capacity() < PieceSize)
+            m_pending.reserve(PieceSize);
+        const qint64 n = qMin<qint64>(size, qint64(PieceSize - m_pending.size()));
+        m_pending.insert(m_pending.end(), data, data + n);
+        data += n;
+        size -= n;
+        if (m_pending.size() >= PieceSize)
+            post(DataJob);
+    }
+    return true;
+}
+
+bool ZipWriter::endEntry()
+{
+    if (!m_inEntry)
+        return !hasError();
+    m_inEntry = false;
+    postPending();
+    post(EndJob);
+    return !hasError();
+}
+
+bool ZipWriter::finish()
+{
+    if (m_finished)
+        return !hasError();
+    if (m_inEntry)
+        endEntry();
+    m_finished = true;
+    if (m_pipeline->worker.joinable()) {
+        post(FinishJob);
+        m_pipeline->worker.join();
+    } else {
+        finishNow();
+    }
+    return !hasError();
+}
+
+// The worker: takes the jobs in order until the archive is finished or abandoned. After
+// a failure it keeps taking jobs, so that the caller never waits on a full queue.
+void ZipWriter::run()
+{
+    Pipeline& p = *m_pipeline;
+    for (;;) {
+        Pipeline::Job job;
+        {
+            std::unique_lock<std::mutex> lock(p.mutex);
+            p.changed.wait(lock, [&] { return !p.queue.empty(); });
+            job = std::move(p.queue.front());
+            p.queue.pop_front();
+            p.changed.notify_all();
+        }
+        const bool ok = m_error.isEmpty();
+        switch (job.kind) {
+        case BeginJob: if (ok) beginEntryNow(job.name); break;
+        case DataJob: if (ok) writeNow(job.data.data(), qint64(job.data.size())); break;
+        case EndJob: if (ok) endEntryNow(); break;
+        case FinishJob: if (ok) finishNow(); break;
+        default: break;
+        }
+        std::lock_guard<std::mutex> lock(p.mutex);
+        if (job.kind == DataJob && p.spare.size() < MaxQueuedPieces) {
+            job.data.clear();
+            p.spare.push_back(std::move(job.data));
+        }
+        if (job.kind == FinishJob || job.kind == StopJob) {
+            p.done = true;
+            p.changed.notify_all();
+            return;
+        }
+    }
+}
+
+void ZipWriter::beginEntryNow(const QByteArray& name)
+{
     Entry entry;
-    entry.name = name.toUtf8();
+    entry.name = name;
     entry.offset = m_offset;
-    if (entry.name.isEmpty() || entry.name.size() > int(Max16))
-        return fail(QStringLiteral("invalid entry name"));
 
     QByteArray header;
     header.reserve(30 + entry.name.size());
@@ -109,32 +273,16 @@ bool ZipWriter::beginEntry(const QString& name)
     le16(header, 0);
     header.append(entry.name);
     m_entries.push_back(std::move(entry));
-    if (!put(header))
-        return false;
-
-    deflateReset(&m_deflater->stream);
-    m_inEntry = true;
-    return true;
+    if (put(header))
+        deflateReset(&m_deflater->stream);
 }
 
-bool ZipWriter::write(const char* data, qint64 size)
+void ZipWriter::writeNow(const char* data, qint64 size)
 {
-    if (!m_inEntry || hasError())
-        return false;
     Entry& entry = m_entries.back();
     entry.size += quint64(size);
-    const char* p = data;
-    qint64 left = size;
-    // crc32 and deflate take a uInt length.
-    while (left > 0) {
-        const qint64 n = qMin<qint64>(left, qint64(1) << 30);
-        entry.crc = quint32(crc32(entry.crc, reinterpret_cast<const Bytef*>(p), uInt(n)));
-        if (!deflateInput(p, n, false))
-            return false;
-        p += n;
-        left -= n;
-    }
-    return true;
+    entry.crc = quint32(crc32(entry.crc, reinterpret_cast<const Bytef*>(data), uInt(size)));
+    deflateInput(data, size, false);
 }
 
 bool ZipWriter::deflateInput(const char* data, qint64 size, bool last)
@@ -158,13 +306,10 @@ bool ZipWriter::deflateInput(const char* data, qint64 size, bool last)
     }
 }
 
-bool ZipWriter::endEntry()
+void ZipWriter::endEntryNow()
 {
-    if (!m_inEntry)
-        return !hasError();
-    m_inEntry = false;
-    if (hasError() || !deflateInput(nullptr, 0, true))
-        return false;
+    if (!deflateInput(nullptr, 0, true))
+        return;
 
     const Entry& entry = m_entries.back();
     const bool zip64 = entry.size > Max32 || entry.compressedSize > Max32;
@@ -178,7 +323,7 @@ bool ZipWriter::endEntry()
         le32(descriptor, entry.compressedSize);
         le32(descriptor, entry.size);
     }
-    return put(descriptor);
+    put(descriptor);
 }
 
 QByteArray ZipWriter::centralDirectoryRecord(const Entry& entry) const
@@ -222,20 +367,12 @@ QByteArray ZipWriter::centralDirectoryRecord(const Entry& entry) const
     return r;
 }
 
-bool ZipWriter::finish()
+void ZipWriter::finishNow()
 {
-    if (m_finished)
-        return !hasError();
-    if (m_inEntry && !endEntry())
-        return false;
-    m_finished = true;
-    if (hasError())
-        return false;
-
     const quint64 directoryOffset = m_offset;
     for (const Entry& entry : m_entries)
         if (!put(centralDirectoryRecord(entry)))
-            return false;
+            return;
     const quint64 directorySize = m_offset - directoryOffset;
     const quint64 count = m_entries.size();
 
@@ -265,12 +402,12 @@ bool ZipWriter::finish()
     le32(end, qMin(directorySize, Max32));
     le32(end, qMin(directoryOffset, Max32));
     le16(end, 0);                      // comment length
-    return put(end);
+    put(end);
 }
 
 bool ZipWriter::put(const char* data, qint64 size)
 {
-    if (hasError())
+    if (!m_error.isEmpty())
         return false;
     qint64 done = 0;
     while (done < size) {
@@ -286,8 +423,12 @@ bool ZipWriter::put(const char* data, qint64 size)
 
 bool ZipWriter::fail(const QString& why)
 {
-    if (m_error.isEmpty())
+    if (m_error.isEmpty()) {
         m_error = why;
+        std::lock_guard<std::mutex> lock(m_pipeline->mutex);
+        m_pipeline->failed = true;
+        m_pipeline->error = why;
+    }
     return false;
 }
 

@@ -19,6 +19,11 @@ namespace QXlsx::detail {
 // pipe, a QBuffer handed to Document::saveAs), and a seek back would also defeat the
 // write buffering of QSaveFile. An entry or an archive past 4 GiB or 65,535 entries gets
 // zip64 records.
+//
+// Deflating is most of the cost of a save, so it runs on a thread of its own while the
+// caller produces the next bytes: write() only queues a copy of its bytes, and the
+// worker deflates them and writes the device. The device is touched by the worker alone
+// until finish() returns.
 class ZipWriter
 {
 public:
@@ -42,9 +47,9 @@ public:
     // Closes the last entry and writes the central directory. Nothing may follow.
     bool finish();
 
-    bool hasError() const { return !m_error.isEmpty(); }
-    QString errorString() const { return m_error; }
-    int entryCount() const { return int(m_entries.size()); }
+    bool hasError() const;
+    QString errorString() const;
+    int entryCount() const { return m_entryCount; }
 
 private:
     struct Entry
@@ -56,6 +61,11 @@ private:
         quint64 offset = 0;
     };
 
+    // Run by the worker, in queue order.
+    void beginEntryNow(const QByteArray& name);
+    void writeNow(const char* data, qint64 size);
+    void endEntryNow();
+    void finishNow();
     bool deflateInput(const char* data, qint64 size, bool last);
     bool put(const char* data, qint64 size);
     bool put(const QByteArray& data) { return put(data.constData(), data.size()); }
@@ -63,8 +73,16 @@ private:
     QByteArray centralDirectoryRecord(const Entry& entry) const;
 
     struct Deflater;
+    struct Pipeline;
+    void post(int kind, const QByteArray& name = QByteArray());
+    void postPending();
+    void run();
+
     QIODevice& m_device;
     std::unique_ptr<Deflater> m_deflater;
+    std::unique_ptr<Pipeline> m_pipeline;
+    std::vector<char> m_pending;     // caller side: bytes not yet handed to the worker
+    int m_entryCount = 0;
     std::vector<Entry> m_entries;
     std::vector<char> m_out;
     quint64 m_offset = 0;
