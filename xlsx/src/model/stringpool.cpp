@@ -11,9 +11,8 @@ constexpr int LengthBits = 24;
 constexpr quint64 LengthMask = (quint64(1) << LengthBits) - 1;
 
 // A small multiply-xorshift hash over 8 bytes at a time. Texts in the pool are short
-// and numerous, and qHashBits in Qt 5 walks them a byte at a time; the low bits pick the
-// slot and the top byte is the slot's tag, so the final mix spreads both.
-quint64 hashBytes(const char* p, int size)
+// and numerous, and qHashBits in Qt 5 walks them a byte at a time.
+quint32 hashBytes(const char* p, int size)
 {
     quint64 h = 0x9E3779B97F4A7C15ull ^ quint64(size);
     while (size >= 8) {
@@ -30,10 +29,8 @@ quint64 hashBytes(const char* p, int size)
     h ^= h >> 29;
     h *= 0xBF58476D1CE4E5B9ull;
     h ^= h >> 32;
-    return h;
+    return quint32(h);
 }
-
-quint8 tagOf(quint64 hash) { return quint8(hash >> 56); }
 
 // Qt 5 has no way to encode UTF-16 into a caller's buffer (toUtf8 allocates a new
 // QByteArray each time), and this runs once per text cell written. out must have room
@@ -112,49 +109,42 @@ quint32 StringPool::addRich(const QString& plainText, const QByteArray& runsXml)
     return index;
 }
 
-quint32 StringPool::insert(const char* utf8, int size, quint64 hash)
+quint32 StringPool::insert(const char* utf8, int size, quint32 hash)
 {
-    if ((m_offsets.size() + 1) * 4 > m_slots.size() * 3)
+    // Grown at 80 % full: with the hash in the slot, probing a little further is cheaper
+    // than the memory a sparser table would touch.
+    if ((m_offsets.size() + 1) * 5 > m_slots.size() * 4)
         rehash(std::max<size_t>(m_slots.size() * 2, 1024));
     const size_t mask = m_slots.size() - 1;
-    const quint8 tag = tagOf(hash);
-    size_t pos = size_t(hash) & mask;
-    while (quint32 slot = m_slots[pos]) {
-        if (m_tags[pos] == tag) {
-            const quint64 entry = m_offsets[slot - 1];
+    size_t pos = hash & mask;
+    while (const quint64 slot = m_slots[pos]) {
+        if (quint32(slot >> 32) == hash) {
+            const quint32 index = quint32(slot) - 1;
+            const quint64 entry = m_offsets[index];
             if (int(entry & LengthMask) == size
                 && (size == 0 || std::memcmp(at(entry >> LengthBits), utf8, size_t(size)) == 0))
-                return slot - 1;
+                return index;
         }
         pos = (pos + 1) & mask;
     }
     const quint32 index = count();
     m_offsets.push_back(store(utf8, size) << LengthBits | quint64(size));
-    m_slots[pos] = index + 1;
-    m_tags[pos] = tag;
+    m_slots[pos] = quint64(hash) << 32 | (index + 1);
     return index;
 }
 
 void StringPool::rehash(size_t slotCount)
 {
-    m_slots.assign(slotCount, 0);
-    m_tags.assign(slotCount, 0);
+    std::vector<quint64> old(slotCount, 0);
+    old.swap(m_slots);
     const size_t mask = slotCount - 1;
-    size_t richPos = 0;
-    for (quint32 index = 0; index < count(); ++index) {
-        // Rich entries are never shared, so they stay out of the table.
-        if (richPos < m_rich.size() && m_rich[richPos].first == index) {
-            ++richPos;
+    for (const quint64 slot : old) {
+        if (!slot)
             continue;
-        }
-        const quint64 entry = m_offsets[index];
-        const int size = int(entry & LengthMask);
-        const quint64 hash = hashBytes(size ? at(entry >> LengthBits) : "", size);
-        size_t pos = size_t(hash) & mask;
+        size_t pos = size_t(slot >> 32) & mask;
         while (m_slots[pos])
             pos = (pos + 1) & mask;
-        m_slots[pos] = index + 1;
-        m_tags[pos] = tagOf(hash);
+        m_slots[pos] = slot;
     }
 }
 
@@ -220,7 +210,6 @@ void StringPool::clear()
     m_used = 0;
     m_offsets.clear();
     m_slots.clear();
-    m_tags.clear();
     m_rich.clear();
 }
 

@@ -36,7 +36,7 @@ public:
     void clear();
 
 private:
-    quint32 insert(const char* utf8, int size, quint64 hash);
+    quint32 insert(const char* utf8, int size, quint32 hash);
     void rehash(size_t slotCount);
     quint64 store(const char* utf8, int size);
     const char* at(quint64 offset) const
@@ -56,10 +56,10 @@ private:
     quint64 m_used = 0;                        // arena offset of the next free byte
 
     std::vector<quint64> m_offsets;            // start in the arena << 24 | length (texts < 16 MiB)
-    // Open addressing with linear probing: entry index + 1 (0 = free), and beside it a
-    // byte of the entry's hash, so that a probe rarely has to look at the text itself.
-    std::vector<quint32> m_slots;
-    std::vector<quint8> m_tags;
+    // Open addressing with linear probing. A slot holds the low 32 bits of the entry's
+    // hash above its index + 1 (0 = free): a probe rarely has to look at the text
+    // itself, one cache line serves a probe, and growing never rereads the texts.
+    std::vector<quint64> m_slots;
     std::vector<char> m_utf8;                  // reused conversion buffer of add(QStringView)
     std::vector<std::pair<quint32, QByteArray>> m_rich;   // sorted by entry index
 };
