@@ -27,10 +27,11 @@ namespace QXlsx::detail {
 class ZipWriter
 {
 public:
-    // level: the zlib deflate level. A low level is the default because a workbook is
-    // compressed once per save and the save is what users wait for; level 1 already
-    // shrinks sheet XML about tenfold.
-    explicit ZipWriter(QIODevice& device, int level = 1);
+    // level: the zlib deflate level. A low level is the default because the save is what
+    // users wait for. Measured on 2,000,000 text cells (136 MB of XML): levels 1 and 2
+    // cost the same time, level 2 gives a 5% smaller file (14.3 MB, about tenfold);
+    // level 3 takes half as long again.
+    explicit ZipWriter(QIODevice& device, int level = 2);
     ~ZipWriter();
     ZipWriter(const ZipWriter&) = delete;
     ZipWriter& operator=(const ZipWriter&) = delete;
