@@ -196,6 +196,8 @@ void WorksheetHandler::startRow(const XmlAttributes& attributes)
         row = std::atoi(r);
     m_skipRow = row < 1 || row > MaxRows;
     m_column = 0;
+    if (m_rowIndex >= 0 && size_t(m_rowIndex) < m_sheet.rows.size())
+        m_previousRowCells = m_sheet.rows[size_t(m_rowIndex)].cells.size();
     m_rowIndex = -1;
     if (m_skipRow)
         return;
@@ -209,8 +211,17 @@ void WorksheetHandler::startRow(const XmlAttributes& attributes)
     RowRecord& record = currentRow();
     for (const char** a = list; *a; a += 2) {
         const std::string_view attribute = localName(a[0]);
-        if (attribute == "r" || attribute == "spans")
-            continue;   // spans is a hint for the cells as read, stale once they change
+        if (attribute == "r")
+            continue;
+        if (attribute == "spans") {
+            // A hint only, stale once cells change, so not kept; but it saves growing
+            // the row's cells one by one.
+            const char* colon = std::strchr(a[1], ':');
+            const int span = colon ? std::atoi(colon + 1) - std::atoi(a[1]) + 1 : 0;
+            if (span > 0 && span <= MaxColumns && record.cells.empty())
+                record.cells.reserve(size_t(span));
+            continue;
+        }
         if (attribute == "ht") height = std::atof(a[1]);
         else if (attribute == "customHeight") customHeight = isTrue(a[1]);
         else if (attribute == "hidden") record.hidden = isTrue(a[1]);
@@ -245,6 +256,9 @@ void WorksheetHandler::startCell(const XmlAttributes& attributes)
     Cell* cell;
     if (row == m_row) {
         RowRecord& record = currentRow();
+        // Sheets tend to be rectangular: a row gets room for as many cells as the last.
+        if (record.cells.capacity() == 0)
+            record.cells.reserve(m_previousRowCells);
         if (record.cells.empty() || record.cells.back().column() < column) {
             record.cells.push_back(CellAccess::make(&m_book, column));
             cell = &record.cells.back();

@@ -58,6 +58,7 @@ private:
     int m_rowIndex = -1;            // its record in the sheet, or -1 while it has none
     bool m_skipRow = false;         // a row outside the grid: its cells are dropped
     int m_column = 0;               // the last cell's column in the row
+    size_t m_previousRowCells = 0;  // cells of the row before, to size the next one
     Cell* m_cell = nullptr;         // the cell being read
     int m_cellRow = 0;
     char m_cellType = 'n';          // 's', 'n', 'b', 'e', 'S' (str), 'i' (inlineStr), 'd'
