@@ -12,10 +12,15 @@
 
 #include "vygisutil_export.h"
 
+#include "tssde.h"
+
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
 #include <vector>
+
+class QAbstractItemModel;
 
 class VYGISUTIL_EXPORT VyExcelUtil
 {
@@ -54,6 +59,88 @@ public:
     // (a few stray cells far from the data would otherwise ask for gigabytes of empty
     // strings).
     static void getExcelData(QString path, std::vector<QStringList>& rows);
+
+    // --- Exporting attributes ---------------------------------------------------------
+    //
+    // Each export writes a new workbook with one worksheet ("Sheet1") and saves it at
+    // path, replacing whatever file stood there. The path must not be empty; it is used
+    // as given. The data rows are written under the application's progress dialog
+    // ("Exporting..."), which cannot cancel them. Every value is written as text, except
+    // in the item model export, which writes the model's values as they come. Results:
+    // false for rejected input (nothing is saved and a file at path stays as it was);
+    // otherwise the result of the save, which is atomic, so false also means that a file
+    // at path stays as it was.
+    //
+    // Rows 1 and 2 of the item model, feature layer and table exports: a title in A1,
+    // merged across the exported columns, centred, with a thin border, row 1 30 points
+    // high; then one header cell per exported column, centred, bordered, on a light grey
+    // (#cccccc) fill. Data rows follow from row 3, centred and bordered. Exported columns
+    // are packed: the k-th exported column is column k of the sheet.
+    //
+    // A sheet holds 1,048,576 rows and 16,384 columns and an export never adds a sheet.
+    // Decided: a source with more records than fit below the header rows, or more
+    // exported columns than a sheet has, gives false and saves nothing, rather than a
+    // workbook that silently lacks records. A model's size is known up front, so such a
+    // model is refused at once; a layer or table cursor is read only until the first
+    // record that does not fit.
+
+    // The top-level rows of model below title and the model's horizontal headers, as
+    // the display role gives them (numbers stay numbers; an empty value is a formatted
+    // blank cell). excludedColumns holds 0-based model columns to leave out; indexes the
+    // model does not have change nothing, except that the title merge spans the column
+    // count less the number of entries in the set. Excluding every column still saves
+    // the title alone. Returns false without saving for a null model or a model with no
+    // rows or no columns. Child rows of tree models are not exported.
+    static bool export2Excel(const QString& title, const QString& path,
+                             QAbstractItemModel* model, const QSet<int>& excludedColumns);
+
+    // The features that the layer's own query filter admits, one row each in cursor
+    // order, below the title "<layer name>_attribute table" (the last part translated).
+    // The header of a field is its name, or with withAlias its name followed by its alias
+    // in brackets, "ROADCLASS(Road class)" ("ROADCLASS()" for an empty alias).
+    // excludedColumns holds 0-based field indexes to leave out; indexes beyond the last
+    // field change nothing. Floating values are written with at most 8 decimals, other
+    // values as their own text. Returns false without saving when the layer is null,
+    // cannot describe its fields, or no field is left to export. A layer that cannot
+    // hand out its features is saved with the title and header rows only.
+    static bool export2Excel(const QString& path, VyObjects::TsFeatureLayer* layer,
+                             bool withAlias, const QSet<int>& excludedColumns);
+
+    // The features of a point layer that its own query filter admits, on a plain sheet
+    // (no title, styling or merge): row 1 holds the headers, each feature a row from
+    // row 2. Column k shows fieldNames[k - 1]: the names "X", "Y" and "Z" (exactly so,
+    // upper case) give the point's coordinates with at most 8 decimals (Z is 0 for a
+    // point without height); any other name gives the value of the field of that name,
+    // written as in the feature layer export. Repeated names give repeated columns.
+    // Returns false without saving when the layer is null or cannot describe its fields,
+    // or when no column is left to export.
+    //
+    // Decided:
+    // - withAlias: a column naming a field of the layer (names ignore case, as the
+    //   layer's do) is headed "NAME(alias)" with that field's alias, "NAME()" for an
+    //   empty one, as in the feature layer export; coordinate columns and names the
+    //   layer has no field for have no alias and are headed by the name alone.
+    // - excludedColumns filters fieldNames by position (0-based), as the feature layer
+    //   export filters fields; the remaining columns are packed.
+    // - A feature whose geometry is missing or not a point is still exported: its
+    //   coordinate cells stay empty and its field columns are filled. A row of the
+    //   workbook is never dropped for its shape.
+    // - A name that is neither a coordinate nor a field of the layer is not an error:
+    //   its cells hold the empty text.
+    static bool export2ExcelHasXYZ(const QString& path, VyObjects::TsFeatureLayer* layer,
+                                   std::vector<QString> fieldNames, bool withAlias,
+                                   const QSet<int>& excludedColumns);
+
+    // Every row of table, with every field headed by its name, below the title
+    // "<table name>_attribute table" (the last part translated). Values are written as
+    // their own text, unformatted; no filter applies. The function gives back the
+    // reference it is handed before returning, on every path. Returns false without
+    // saving for a null table or one that cannot hand out its rows. A table without
+    // fields is saved with its title alone.
+    //
+    // Decided: a table that cannot describe its fields gives false without saving, as
+    // a layer in that state does, since no header or value could be placed.
+    static bool export2Excel(const QString& path, VyObjects::TsRefPtr<VyObjects::TsTable> table);
 };
 
 class VYGISUTIL_EXPORT VyUniversalFunction

@@ -61,4 +61,13 @@ bool writeRowsAndSave(QXlsx::Document& document, const QString& path,
     return document.saveAs(path);
 }
 
+bool writeRowsAndSaveIfComplete(QXlsx::Document& document, const QString& path,
+                                const std::function<bool()>& writeRows)
+{
+    VyWaitDialog dialog(QObject::tr("Exporting..."), nullptr);
+    bool complete = true;
+    dialog.WaitFor([&] { complete = writeRows(); });
+    return complete && document.saveAs(path);
+}
+
 } // namespace vygis

@@ -36,4 +36,10 @@ QString attributeText(const VyObjects::TsVariant& value);
 bool writeRowsAndSave(QXlsx::Document& document, const QString& path,
                       const std::function<void()>& writeRows);
 
+// As writeRowsAndSave, for exports that cannot know beforehand whether every record fits
+// on the sheet: writeRows returns false when it had to stop early, and then nothing is
+// saved (a file at path stays as it was) and the result is false.
+bool writeRowsAndSaveIfComplete(QXlsx::Document& document, const QString& path,
+                                const std::function<bool()>& writeRows);
+
 } // namespace vygis

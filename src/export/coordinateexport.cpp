@@ -1,0 +1,160 @@
+#include "vygisutil.h"
+#include "export/exportsheet.h"
+#include "workbook/conventions.h"
+
+#include "tsgeo.h"
+#include "tssde.h"
+#include "vygiscore.h"
+#include "xlsxdocument.h"
+
+#include <vector>
+
+using namespace VyObjects;
+
+namespace {
+
+// What a column shows: one of the point's coordinates or the value of a field.
+enum class ColumnKind { X, Y, Z, Field };
+
+struct Column
+{
+    ColumnKind kind;
+    TsString fieldName;   // set for Field columns only
+};
+
+ColumnKind kindOf(const QString& name)
+{
+    if (name == QLatin1String("X"))
+        return ColumnKind::X;
+    if (name == QLatin1String("Y"))
+        return ColumnKind::Y;
+    if (name == QLatin1String("Z"))
+        return ColumnKind::Z;
+    return ColumnKind::Field;
+}
+
+// The alias of the layer's field of that name (names ignore case, as the layer's do);
+// false for a name the layer has no field for.
+bool aliasOf(const TsFields& fields, const TsString& name, QString& alias)
+{
+    const TsRefPtr<TsField> field = fields.GetField(fields.FindFieldIndex(name));
+    if (!field)
+        return false;
+    alias = vygis::qtText(field->GetAliasName());
+    return true;
+}
+
+QString headerOf(const QString& name, ColumnKind kind, const TsFields& fields, bool withAlias)
+{
+    QString alias;
+    if (!withAlias || kind != ColumnKind::Field
+        || !aliasOf(fields, TsString(name.toStdWString()), alias))
+        return name;
+    return name + QLatin1Char('(') + alias + QLatin1Char(')');
+}
+
+// The coordinate texts of one feature, worked out only for the coordinates the columns
+// ask for; all empty when the feature has no point.
+struct CoordinateTexts
+{
+    QString x, y, z;
+
+    void read(const TsFeature& feature, bool wantX, bool wantY, bool wantZ)
+    {
+        x.clear();
+        y.clear();
+        z.clear();
+        const TsRefPtr<TsGeoPoint> point = feature.GetGeometry().dynamicCast<TsGeoPoint>();
+        if (!point)
+            return;
+        if (wantX)
+            x = VyApplication::doubleToQString(point->GetX(), 8);
+        if (wantY)
+            y = VyApplication::doubleToQString(point->GetY(), 8);
+        if (wantZ) {
+            double height = 0.0;
+            bool hasZ = false;
+            if (point->HasZ(hasZ) && hasZ) {
+                double px = 0.0, py = 0.0;
+                point->QueryCoordsXYZ(&px, &py, &height);
+            }
+            z = VyApplication::doubleToQString(height, 8);
+        }
+    }
+
+    const QString& of(ColumnKind kind) const
+    {
+        return kind == ColumnKind::X ? x : kind == ColumnKind::Y ? y : z;
+    }
+};
+
+} // namespace
+
+bool VyExcelUtil::export2ExcelHasXYZ(const QString& path, TsFeatureLayer* layer,
+                                     std::vector<QString> fieldNames, bool withAlias,
+                                     const QSet<int>& excludedColumns)
+{
+    if (path.isEmpty() || !layer)
+        return false;
+
+    QXlsx::Document document;
+    const TsQueryFilter filter = layer->query_filter();
+    std::vector<Column> columns;
+    QStringList headers;
+    {
+        const TsRefPtr<TsFields> fields = layer->GetFields();
+        if (!fields)
+            return false;
+        for (std::size_t i = 0; i < fieldNames.size(); ++i) {
+            if (excludedColumns.contains(static_cast<int>(i)))
+                continue;
+            const QString& name = fieldNames[i];
+            const ColumnKind kind = kindOf(name);
+            columns.push_back({kind, kind == ColumnKind::Field ? TsString(name.toStdWString())
+                                                               : TsString()});
+            headers.append(headerOf(name, kind, *fields, withAlias));
+        }
+    }
+    const int width = static_cast<int>(columns.size());
+    if (width == 0 || width > vygis::kSheetColumnCount)
+        return false;
+
+    bool wantX = false, wantY = false, wantZ = false;
+    for (const Column& column : columns) {
+        wantX = wantX || column.kind == ColumnKind::X;
+        wantY = wantY || column.kind == ColumnKind::Y;
+        wantZ = wantZ || column.kind == ColumnKind::Z;
+    }
+
+    for (int k = 0; k < width; ++k)
+        document.write(1, k + 1, headers.at(k));
+
+    const auto writeRows = [&]() -> bool {
+        const TsRefPtr<TsFeatureCursor> cursor = layer->GetFeatureCursor(filter);
+        if (!cursor)
+            return true;
+        CoordinateTexts coordinates;
+        int row = 2;
+        for (TsRefPtr<TsFeature> feature = cursor->NextFeature(); feature;
+             feature = cursor->NextFeature(), ++row) {
+            if (row > vygis::kSheetRowCount)
+                return false;
+            coordinates.read(*feature, wantX, wantY, wantZ);
+            for (int k = 0; k < width; ++k) {
+                const Column& column = columns[static_cast<std::size_t>(k)];
+                if (column.kind != ColumnKind::Field) {
+                    // A feature without a point leaves its coordinate cells empty.
+                    const QString& text = coordinates.of(column.kind);
+                    if (!text.isEmpty())
+                        document.write(row, k + 1, text);
+                    continue;
+                }
+                TsVariant value;
+                feature->GetValue(column.fieldName, value);
+                document.write(row, k + 1, vygis::attributeText(value));
+            }
+        }
+        return true;
+    };
+    return vygis::writeRowsAndSaveIfComplete(document, path, writeRows);
+}

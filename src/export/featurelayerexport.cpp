@@ -1,0 +1,93 @@
+#include "vygisutil.h"
+#include "export/exportsheet.h"
+#include "workbook/conventions.h"
+
+#include "tssde.h"
+#include "xlsxdocument.h"
+
+#include <QObject>
+
+#include <vector>
+
+using namespace VyObjects;
+
+namespace {
+
+// The fields that are written, in field order: the names the values are looked up by and
+// the texts of the header row.
+struct ExportedFields
+{
+    std::vector<TsString> names;
+    QStringList headers;
+};
+
+ExportedFields exportedFields(const TsFields& fields, bool withAlias,
+                              const QSet<int>& excludedColumns)
+{
+    ExportedFields exported;
+    const int count = fields.GetFieldCount();
+    exported.names.reserve(static_cast<std::size_t>(count));
+    for (int i = 0; i < count; ++i) {
+        if (excludedColumns.contains(i))
+            continue;
+        const TsRefPtr<TsField> field = fields.GetField(i);
+        if (!field)
+            continue;
+        const QString name = vygis::qtText(field->GetName());
+        exported.names.push_back(field->GetName());
+        exported.headers.append(withAlias ? name + QLatin1Char('(')
+                                                + vygis::qtText(field->GetAliasName())
+                                                + QLatin1Char(')')
+                                          : name);
+    }
+    return exported;
+}
+
+} // namespace
+
+bool VyExcelUtil::export2Excel(const QString& path, TsFeatureLayer* layer, bool withAlias,
+                               const QSet<int>& excludedColumns)
+{
+    if (path.isEmpty() || !layer)
+        return false;
+
+    QXlsx::Document document;
+    const TsQueryFilter filter = layer->query_filter();
+    ExportedFields exported;
+    {
+        const TsRefPtr<TsFields> fields = layer->GetFields();
+        if (!fields)
+            return false;
+        exported = exportedFields(*fields, withAlias, excludedColumns);
+    }
+    const int width = exported.headers.size();
+    if (width == 0 || width > vygis::kSheetColumnCount)
+        return false;
+
+    const QString title = vygis::qtText(layer->GetLayerName()) + QLatin1Char('_')
+                          + QObject::tr("attribute table");
+    vygis::writeTitleRow(document, title, width);
+    const QXlsx::Format header = vygis::greyHeaderFormat();
+    for (int k = 0; k < width; ++k)
+        document.write(2, k + 1, exported.headers.at(k), header);
+
+    const QXlsx::Format centred = vygis::centredCellFormat();
+    const auto writeRows = [&]() -> bool {
+        const TsRefPtr<TsFeatureCursor> cursor = layer->GetFeatureCursor(filter);
+        if (!cursor)
+            return true;
+        int row = 3;
+        for (TsRefPtr<TsFeature> feature = cursor->NextFeature(); feature;
+             feature = cursor->NextFeature(), ++row) {
+            if (row > vygis::kSheetRowCount)
+                return false;
+            for (int k = 0; k < width; ++k) {
+                TsVariant value;
+                feature->GetValue(exported.names[static_cast<std::size_t>(k)], value);
+                document.write(row, k + 1, vygis::attributeText(value), centred);
+            }
+        }
+        return true;
+    };
+    return vygis::writeRowsAndSaveIfComplete(document, path, writeRows);
+}
