@@ -6,6 +6,8 @@ set -euo pipefail
 packages=(
   build-essential cmake pkg-config
   qtbase5-dev zlib1g-dev libexpat1-dev libzip-dev
+  # libzip's CMake package checks that its command-line tools are there.
+  zipcmp zipmerge ziptool
   googletest libgtest-dev
   # Real readers and writers the tests check the workbooks against.
   python3 python3-openpyxl libreoffice-calc-nogui
