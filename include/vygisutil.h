@@ -12,9 +12,12 @@
 
 #include "vygisutil_export.h"
 
+#include "tsmap.h"
+
 #include "tssde.h"
 
 #include <QSet>
+#include <QIcon>
 #include <QString>
 #include <QStringList>
 
@@ -147,4 +150,55 @@ class VYGISUTIL_EXPORT VyUniversalFunction
 {
 public:
     VyUniversalFunction() = delete;
+
+    // --- Layer utilities -------------------------------------------------------------
+
+    // The icon of a layer type, asked of the application's current theme by file name
+    // (one lookup per call): "point.png" for types 1 and 2, "line.png" for 3,
+    // "polygon.png" for 4, "annolayer.png" for 5 and "layer.png" for every other value.
+    // Whatever the theme gives, a null icon included, is returned as it is.
+    static QIcon layertypeToIcon(VyObjects::TsLayer::LayerType type);
+
+    // Gives layer a name that does not clash with the layers of map (hidden ones
+    // included). Names are compared ignoring case. Every layer named like layer counts as
+    // a match, and so does every "name-x" whose text splits at "-" into exactly two
+    // parts, the first being the name; x read as a number gives the highest number in
+    // use. With no match the name stays; otherwise it becomes "name-n", where n is the
+    // match count, or the highest number + 1 when that count is not above it:
+    //     roads in a map with roads            -> roads-1
+    //     roads in a map with ROADS, Roads-1   -> roads-2
+    //     roads in a map with roads-5          -> roads-6
+    //     roads in a map with roads-x-1        -> roads (three parts: no match)
+    // layer itself counts when the map holds it already. A null map or null layer
+    // changes nothing; SetLayerName is called at most once.
+    //
+    // Left to the implementer, decided: split and number reading are the object
+    // library's own. A name ending in "-" splits into the name and an empty part, and
+    // texts that are no decimal integer (empty ones included) read as 0, so "roads-"
+    // and "roads-x" count as matches numbered 0. A variant numbered 2147483647 is
+    // followed by "name-2147483648" rather than by an overflowed number.
+    static void setLayerName(VyObjects::TsMap* map, VyObjects::TsRefPtr<VyObjects::TsLayer> layer);
+
+    // Rewrites the DXF file at path in place so that it declares the code page
+    // "ANSI_936": every line that holds "ANSI_" (case-sensitive, anywhere in the line)
+    // becomes the line "ANSI_936"; the last line, the text after the last line end, is
+    // kept as it stands. Other lines keep their bytes, empty ones included, and the file
+    // ends with a line end exactly when it did before. Every line end written is the
+    // platform's ("\r\n" on Windows, "\n" elsewhere), as in a text-mode write. Nothing
+    // is reported to the caller.
+    //
+    // The file is read as bytes, block by block, so no text is recoded and files of any
+    // size pass in about the time of a copy. Only "\r\n" and "\n" end a line; a lone
+    // "\r" is kept as part of its line. The new text is written beside the file and
+    // replaces it only when complete: a failure to read or write on the way leaves the
+    // file as it was. A file in which no line changes is not written at all.
+    //
+    // Left to the implementer, decided: a file that exists but cannot be opened for
+    // reading (a folder, a file without read permission, one locked by another program)
+    // is left untouched, not emptied. Where no file exists, an empty file is created,
+    // as the rewrite of an empty text gives. Also left alone: a binary DXF (one that
+    // begins with "AutoCAD Binary DXF") and a text with a UTF-16 byte order mark, which
+    // single-byte line handling would break, and a file whose folder does not allow a
+    // new file to be written beside it.
+    static void replaceDxfCodepage(const VyObjects::TsString& path);
 };

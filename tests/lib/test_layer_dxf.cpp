@@ -1,0 +1,108 @@
+#include "vygisutil.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+#ifdef Q_OS_WIN
+const QByteArray eol = "\r\n";
+#else
+const QByteArray eol = "\n";
+#endif
+
+// Lines written with "|" for the platform's line end.
+QByteArray lines(const char* text)
+{
+    return QByteArray(text).replace('|', eol);
+}
+
+class DxfCodepage : public ::testing::Test
+{
+protected:
+    QString write(const QByteArray& content)
+    {
+        const QString path = m_dir.filePath(QStringLiteral("drawing.dxf"));
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(content);
+        return path;
+    }
+
+    static QByteArray rewritten(const QString& path)
+    {
+        VyUniversalFunction::replaceDxfCodepage(VyObjects::TsString(path.toStdWString()));
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<no file>");
+    }
+
+    QTemporaryDir m_dir;
+};
+
+TEST_F(DxfCodepage, RewritesLineByLine)
+{
+    struct Case { QByteArray before; QByteArray after; };
+    const Case cases[] = {
+        {"  9\n$DWGCODEPAGE\n  3\nANSI_1252\n  0\n", lines("  9|$DWGCODEPAGE|  3|ANSI_936|  0|")},
+        {"  3\r\n   ANSI_1252\r\n\r\n  0\r\nEOF", lines("  3|ANSI_936||  0|EOF")},
+        {"1\nansi_1252\nx ANSI_ y\nANSI_932\n", lines("1|ansi_1252|ANSI_936|ANSI_936|")},
+        {"  3\nANSI_1252", lines("  3|ANSI_1252")},
+        {"\n\n1\n\xC4\xCF\xBE\xA9\xB5\rx\n", lines("||1|\xC4\xCF\xBE\xA9\xB5\rx|")},
+        {QByteArray("0123456789\n").repeated(7) + "end\r\n", lines("0123456789|").repeated(7) + lines("end|")},
+        {"", ""},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(rewritten(write(c.before)), c.after) << c.before.toStdString();
+}
+
+TEST_F(DxfCodepage, LinesAcrossReadBlocksAreRewrittenWhole)
+{
+    const int megabyte = 1 << 20;
+    QByteArray before;
+    QByteArray after;
+    for (int i = 0; before.size() < 3 * megabyte; ++i) {
+        QByteArray line = QByteArray::number(i);
+        const bool crossesBlock = before.size() % megabyte > megabyte - 16;
+        if (crossesBlock || i % 9973 == 0)
+            line = "  ANSI_" + line;
+        before += line + "\r\n";
+        after += (line.contains("ANSI_") ? QByteArray("ANSI_936") : line) + eol;
+    }
+    EXPECT_TRUE(rewritten(write(before)) == after);
+}
+
+TEST_F(DxfCodepage, FileThatCannotBeReadKeepsItsContent)
+{
+    const QString folder = m_dir.filePath(QStringLiteral("folder.dxf"));
+    ASSERT_TRUE(QDir().mkdir(folder));
+    VyUniversalFunction::replaceDxfCodepage(VyObjects::TsString(folder.toStdWString()));
+    EXPECT_TRUE(QFileInfo(folder).isDir());
+
+    const QString path = write("ANSI_1252\n");
+    QFile::setPermissions(path, QFileDevice::WriteOwner);
+    QFile probe(path);
+    if (probe.open(QIODevice::ReadOnly))
+        return; // the account reads files regardless of permissions
+    VyUniversalFunction::replaceDxfCodepage(VyObjects::TsString(path.toStdWString()));
+    QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    ASSERT_TRUE(probe.open(QIODevice::ReadOnly));
+    EXPECT_EQ(probe.readAll(), "ANSI_1252\n");
+}
+
+TEST_F(DxfCodepage, MissingFileBecomesEmpty)
+{
+    EXPECT_EQ(rewritten(m_dir.filePath(QStringLiteral("new.dxf"))), QByteArray());
+    EXPECT_EQ(rewritten(m_dir.filePath(QStringLiteral("no/such/folder.dxf"))), "<no file>");
+}
+
+TEST_F(DxfCodepage, BinaryDrawingIsLeftAlone)
+{
+    static const char raw[] = "AutoCAD Binary DXF\r\n\x1a\0\x01\nANSI_1252\n\r\n";
+    const QByteArray binary(raw, sizeof raw - 1);
+    EXPECT_TRUE(rewritten(write(binary)) == binary);
+}
+
+} // namespace
