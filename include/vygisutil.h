@@ -63,6 +63,79 @@ public:
     // strings).
     static void getExcelData(QString path, std::vector<QStringList>& rows);
 
+    // --- Field template workbooks -----------------------------------------------------
+    //
+    // A field template workbook describes the tables of a data template, one field per
+    // row below the header "TableName", "FieldsName", "FieldsType", "FieldsLenth" (so
+    // spelled), "Precision" in columns A to E. A table name workbook lists table names
+    // below "TableName" in column A. Both are read from the workbook's current (active)
+    // sheet. Field rows pass through a QStringList flattened, five entries per row in
+    // column order. Every cell is text here: values are taken as the cell gives them
+    // (a number as its QVariant text), never trimmed, converted or compared ignoring
+    // case; a cell that is not stored reads as the empty text.
+    //
+    // The readers that check the template header accept a sheet only when A1 to E1 hold
+    // exactly the five header texts, exactly five columns are in use (a cell stored in
+    // column F, even an empty one, fails the check) and at least one row follows the
+    // header. Readers never save. Every reader returns the empty list for a path without
+    // a file (creating nothing), a file that is not a workbook, or a workbook whose
+    // current sheet is a chart sheet (decided: a chart sheet holds no template, so it
+    // reads like the other failures).
+
+    // The texts of column A from row 2 to the last used row, one per row in row order,
+    // empty ones and repeats included (a field template workbook gives one name per
+    // field row). Only A1 is checked: it must be stored and hold exactly "TableName".
+    static QStringList readFieldsTemplateTableName(QString path);
+
+    // The field rows of tableName (exact, case-sensitive match of column A), in row
+    // order wherever they stand in the sheet, four entries per row: columns B to E.
+    // An empty tableName selects the rows without a name. Empty list when the header
+    // check fails or no row matches.
+    static QStringList readFieldsTemplateTableContent(QString tableName, QString path);
+
+    // As readFieldsTemplateTableContent, but five entries per row, column A included:
+    // the shape updateFieldsTemplateTableContent writes back.
+    static QStringList readFieldsTemplateTableContent1(QString tableName, QString path);
+
+    // Every field row, five entries each, from row 2 to the last used row; a row
+    // without cells gives five empty entries. Empty list when the header check fails.
+    static QStringList getImportTemplateTable(QString path);
+
+    // The table names in column A, one per run of consecutive equal names, in row order
+    // (a table whose rows stand in two runs is listed twice; names differing in case are
+    // two tables). The scan stops at the first row without a stored A cell. A leading
+    // run of empty names is not listed; an empty run after a named one is. Empty list
+    // when the header check fails.
+    static QStringList getImportTemplateTableName(QString path);
+
+    // Replaces the field template workbook at path by the header row and content,
+    // flattened five entries per row from row 2, as plain text cells (default format).
+    // A trailing group of fewer than five entries is dropped. The file is first reset
+    // with clearExcel, so the workbook is left with the single worksheet "Sheet1".
+    //
+    // Returns false, touching nothing, when no file exists at path (none is created);
+    // false for an empty content, after the reset: the file is then an empty workbook
+    // without a header (the caller asked for no fields). Otherwise true, whether or not
+    // the save succeeded.
+    //
+    // Nothing else loses the template: the save is atomic, and if it fails after the
+    // reset had deleted the file, the file's earlier bytes are written back (where they
+    // could be read; files above 256 MiB, which are no templates, are not kept for
+    // this). When the reset cannot delete the file (another program holds it open), the
+    // header and rows are written over the existing current worksheet, whose other
+    // cells stay, and saved if the file allows it. Decided: if in that case the current
+    // sheet is a chart sheet, there is no worksheet to write to; the file is left
+    // untouched and the result is false.
+    static bool updateFieldsTemplateTableContent(QStringList content, QString path);
+
+    // Replaces the table name workbook at path by "TableName" in A1 and tableNames from
+    // A2 down, as plain text cells; an empty list leaves the header alone. Nothing is
+    // done when no file exists at path. The reset, the save and their failures are as
+    // for updateFieldsTemplateTableContent; when the reset cannot delete the file, the
+    // names go below the last used row of its current worksheet, and a chart sheet as
+    // current sheet leaves the file untouched (decided, as there).
+    static void updateTemplateName(QString path, QStringList tableNames);
+
     // --- Exporting attributes ---------------------------------------------------------
     //
     // Each export writes a new workbook with one worksheet ("Sheet1") and saves it at
