@@ -1,5 +1,6 @@
 #include "vygisutil.h"
-#include "export/exportsheet.h"
+#include "export/sheetlimits.h"
+#include "export/valuesbyname.h"
 #include "workbook/conventions.h"
 
 #include "tsgeo.h"
@@ -7,6 +8,7 @@
 #include "vygiscore.h"
 #include "xlsxdocument.h"
 
+#include <utility>
 #include <vector>
 
 using namespace VyObjects;
@@ -16,11 +18,6 @@ namespace {
 // What a column shows: one of the point's coordinates or the value of a field.
 enum class ColumnKind { X, Y, Z, Field };
 
-struct Column
-{
-    ColumnKind kind;
-    TsString fieldName;   // set for Field columns only
-};
 
 ColumnKind kindOf(const QString& name)
 {
@@ -40,7 +37,7 @@ bool aliasOf(const TsFields& fields, const TsString& name, QString& alias)
     const TsRefPtr<TsField> field = fields.GetField(fields.FindFieldIndex(name));
     if (!field)
         return false;
-    alias = vygis::qtText(field->GetAliasName());
+    alias = vygis::hostText(field->GetAliasName());
     return true;
 }
 
@@ -99,7 +96,8 @@ bool VyExcelUtil::export2ExcelHasXYZ(const QString& path, TsFeatureLayer* layer,
 
     QXlsx::Document document;
     const TsQueryFilter filter = layer->query_filter();
-    std::vector<Column> columns;
+    std::vector<ColumnKind> columns;
+    std::vector<TsString> names;   // of field columns, read by name; empty for the others
     QStringList headers;
     {
         const TsRefPtr<TsFields> fields = layer->GetFields();
@@ -110,8 +108,8 @@ bool VyExcelUtil::export2ExcelHasXYZ(const QString& path, TsFeatureLayer* layer,
                 continue;
             const QString& name = fieldNames[i];
             const ColumnKind kind = kindOf(name);
-            columns.push_back({kind, kind == ColumnKind::Field ? TsString(name.toStdWString())
-                                                               : TsString()});
+            columns.push_back(kind);
+            names.push_back(kind == ColumnKind::Field ? TsString(name.toStdWString()) : TsString());
             headers.append(headerOf(name, kind, *fields, withAlias));
         }
     }
@@ -120,15 +118,16 @@ bool VyExcelUtil::export2ExcelHasXYZ(const QString& path, TsFeatureLayer* layer,
         return false;
 
     bool wantX = false, wantY = false, wantZ = false;
-    for (const Column& column : columns) {
-        wantX = wantX || column.kind == ColumnKind::X;
-        wantY = wantY || column.kind == ColumnKind::Y;
-        wantZ = wantZ || column.kind == ColumnKind::Z;
+    for (const ColumnKind kind : columns) {
+        wantX = wantX || kind == ColumnKind::X;
+        wantY = wantY || kind == ColumnKind::Y;
+        wantZ = wantZ || kind == ColumnKind::Z;
     }
 
     for (int k = 0; k < width; ++k)
         document.write(1, k + 1, headers.at(k));
 
+    vygis::ValuesByName values(std::move(names));
     const auto writeRows = [&]() -> bool {
         const TsRefPtr<TsFeatureCursor> cursor = layer->GetFeatureCursor(filter);
         if (!cursor)
@@ -140,17 +139,18 @@ bool VyExcelUtil::export2ExcelHasXYZ(const QString& path, TsFeatureLayer* layer,
             if (row > vygis::kSheetRowCount)
                 return false;
             coordinates.read(*feature, wantX, wantY, wantZ);
+            values.startRow(*feature);
             for (int k = 0; k < width; ++k) {
-                const Column& column = columns[static_cast<std::size_t>(k)];
-                if (column.kind != ColumnKind::Field) {
+                const ColumnKind kind = columns[static_cast<std::size_t>(k)];
+                if (kind != ColumnKind::Field) {
                     // A feature without a point leaves its coordinate cells empty.
-                    const QString& text = coordinates.of(column.kind);
+                    const QString& text = coordinates.of(kind);
                     if (!text.isEmpty())
                         document.write(row, k + 1, text);
                     continue;
                 }
                 TsVariant value;
-                feature->GetValue(column.fieldName, value);
+                values.read(*feature, static_cast<std::size_t>(k), value);
                 document.write(row, k + 1, vygis::attributeText(value));
             }
         }

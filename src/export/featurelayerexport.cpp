@@ -1,5 +1,6 @@
 #include "vygisutil.h"
-#include "export/exportsheet.h"
+#include "export/sheetlimits.h"
+#include "export/valuesbyname.h"
 #include "workbook/conventions.h"
 
 #include "tssde.h"
@@ -7,6 +8,7 @@
 
 #include <QObject>
 
+#include <utility>
 #include <vector>
 
 using namespace VyObjects;
@@ -33,10 +35,10 @@ ExportedFields exportedFields(const TsFields& fields, bool withAlias,
         const TsRefPtr<TsField> field = fields.GetField(i);
         if (!field)
             continue;
-        const QString name = vygis::qtText(field->GetName());
+        const QString name = vygis::hostText(field->GetName());
         exported.names.push_back(field->GetName());
         exported.headers.append(withAlias ? name + QLatin1Char('(')
-                                                + vygis::qtText(field->GetAliasName())
+                                                + vygis::hostText(field->GetAliasName())
                                                 + QLatin1Char(')')
                                           : name);
     }
@@ -64,7 +66,7 @@ bool VyExcelUtil::export2Excel(const QString& path, TsFeatureLayer* layer, bool 
     if (width == 0 || width > vygis::kSheetColumnCount)
         return false;
 
-    const QString title = vygis::qtText(layer->GetLayerName()) + QLatin1Char('_')
+    const QString title = vygis::hostText(layer->GetLayerName()) + QLatin1Char('_')
                           + QObject::tr("attribute table");
     vygis::writeTitleRow(document, title, width);
     const QXlsx::Format header = vygis::greyHeaderFormat();
@@ -72,6 +74,7 @@ bool VyExcelUtil::export2Excel(const QString& path, TsFeatureLayer* layer, bool 
         document.write(2, k + 1, exported.headers.at(k), header);
 
     const QXlsx::Format centred = vygis::centredCellFormat();
+    vygis::ValuesByName values(std::move(exported.names));
     const auto writeRows = [&]() -> bool {
         const TsRefPtr<TsFeatureCursor> cursor = layer->GetFeatureCursor(filter);
         if (!cursor)
@@ -81,9 +84,10 @@ bool VyExcelUtil::export2Excel(const QString& path, TsFeatureLayer* layer, bool 
              feature = cursor->NextFeature(), ++row) {
             if (row > vygis::kSheetRowCount)
                 return false;
+            values.startRow(*feature);
             for (int k = 0; k < width; ++k) {
                 TsVariant value;
-                feature->GetValue(exported.names[static_cast<std::size_t>(k)], value);
+                values.read(*feature, static_cast<std::size_t>(k), value);
                 document.write(row, k + 1, vygis::attributeText(value), centred);
             }
         }

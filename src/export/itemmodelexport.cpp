@@ -1,5 +1,5 @@
 #include "vygisutil.h"
-#include "export/exportsheet.h"
+#include "export/sheetlimits.h"
 #include "workbook/conventions.h"
 
 #include "xlsxdocument.h"

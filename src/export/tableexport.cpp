@@ -1,5 +1,5 @@
 #include "vygisutil.h"
-#include "export/exportsheet.h"
+#include "export/sheetlimits.h"
 #include "workbook/conventions.h"
 
 #include "tssde.h"
@@ -20,7 +20,7 @@ QStringList fieldNamesOf(const TsFields& fields)
     names.reserve(count);
     for (int i = 0; i < count; ++i) {
         const TsRefPtr<TsField> field = fields.GetField(i);
-        names.append(field ? vygis::qtText(field->GetName()) : QString());
+        names.append(field ? vygis::hostText(field->GetName()) : QString());
     }
     return names;
 }
@@ -35,7 +35,7 @@ bool VyExcelUtil::export2Excel(const QString& path, TsRefPtr<TsTable> tableRefer
     if (path.isEmpty() || !table)
         return false;
 
-    const QString title = vygis::qtText(table->GetTableName()) + QLatin1Char('_')
+    const QString title = vygis::hostText(table->GetTableName()) + QLatin1Char('_')
                           + QObject::tr("attribute table");
     const TsQueryFilter everyRow;
     const TsRefPtr<TsRowCursor> cursor = table->GetRowCursor(everyRow);
@@ -69,7 +69,7 @@ bool VyExcelUtil::export2Excel(const QString& path, TsRefPtr<TsTable> tableRefer
             for (int i = 0; i < fieldCount; ++i) {
                 TsVariant value;
                 record->GetValue(i, value);
-                document.write(row, i + 1, vygis::qtText(value.ToString()), centred);
+                document.write(row, i + 1, vygis::hostText(value.ToString()), centred);
             }
         }
         return true;

@@ -45,12 +45,18 @@ void writeTitleRow(QXlsx::Document& document, const QString& title, int width)
     document.write(1, 1, title, centred);
 }
 
+QString hostText(const VyObjects::TsString& text)
+{
+    const std::u16string& units = text.utf16();
+    return QString::fromUtf16(units.data(), static_cast<int>(units.size()));
+}
+
 QString attributeText(const VyObjects::TsVariant& value)
 {
     const auto code = value.GetType();
     if (code == VyObjects::TsVariant::DoubleType || code == VyObjects::TsVariant::SingleType)
         return VyApplication::doubleToQString(value.GetDouble(), 8);
-    return QString::fromStdWString(value.ToString().toStdWString());
+    return hostText(value.ToString());
 }
 
 bool writeRowsAndSave(QXlsx::Document& document, const QString& path,
