@@ -12,7 +12,8 @@ namespace VyObjects {
 class VYGIS_HOST_EXPORT TsLayer : public TsRefBase
 {
 public:
-    enum LayerType {
+    // A fixed underlying type, so that any int the application stores is a valid value.
+    enum LayerType : int {
         UnknownLayer = 0,
         PointLayer = 1,
         MultiPointLayer = 2,
