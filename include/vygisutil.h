@@ -16,14 +16,17 @@
 
 #include "tssde.h"
 
+#include <QMap>
 #include <QSet>
 #include <QIcon>
 #include <QString>
 #include <QStringList>
+#include <QVector>
 
 #include <vector>
 
 class QAbstractItemModel;
+class QTableWidget;
 
 class VYGISUTIL_EXPORT VyExcelUtil
 {
@@ -217,6 +220,108 @@ public:
     // Decided: a table that cannot describe its fields gives false without saving, as
     // a layer in that state does, since no header or value could be placed.
     static bool export2Excel(const QString& path, VyObjects::TsRefPtr<VyObjects::TsTable> table);
+
+    // --- Reading workbooks and files back --------------------------------------------
+    //
+    // These read the workbook's current (active) sheet and never save it. A path without
+    // a workbook behind it reads as an empty workbook. No message is shown, except by
+    // assocationFromExcel when it cannot find the key column.
+
+    // Appends to table the sheet rows from row 2 whose column A text is a key of keys
+    // (exact, case-sensitive; the map is only searched and its values are not read),
+    // one widget row per sheet row, in sheet order, below the rows the widget holds.
+    // Columns A to D fill widget columns 0 to 3; further columns are ignored and a
+    // missing cell leaves its widget cell without an item. Row 1 is a header and is
+    // never compared. A date or time cell shows as "yyyy/MM/dd hh:mm"; a cell whose
+    // date falls in 1899 (under the 1900 date system every time of day without a date)
+    // is refused: in column A the row is not imported, in columns B to D the rest of
+    // the row stays empty. Other cells show their value's text (the number 12 as "12").
+    // Always returns true.
+    //
+    // Decided:
+    // - A widget with fewer than four columns gets items only for the columns it has;
+    //   the cells for the others are not read and no item is created for them. Rows are
+    //   appended all the same, also to a widget without columns.
+    // - A chart sheet as current sheet, like a null widget, imports nothing.
+    // - A widget that sorts its rows is filled with sorting switched off and sorted once
+    //   afterwards, so that each imported row keeps its four cells together; sorting is
+    //   on again when the call returns.
+    static bool importExcelToTableWidget(const QString& path, QMap<QString, int>& keys,
+                                         QTableWidget* table);
+
+    // Joins the workbook at path into the attributes of layer on keyField. The key
+    // column is the one headed by keyField in upper case (not trimmed), found in row 1,
+    // or else in row 2 when the workbook starts with a title; data follow the header
+    // row. Headers are compared trimmed, in upper case and cut before the first "(",
+    // so "Code(text)" heads the column CODE; "Code (text)" heads "CODE " and does not.
+    //
+    // Every feature that the layer's query filter admits is matched by the text of its
+    // keyField value (floating fields as the application shows them at the field's
+    // precision) against the texts of the key column; of two rows with the same key the
+    // lower one counts. A matched feature gets the text of every other cell of its row
+    // (an empty text for a blank cell) in the layer field named by the column's
+    // normalised header, or by fieldNames[header] where the map has it: map keys are
+    // compared with the normalised header, so {"OWNER", "OWNER_NAME"} redirects a column
+    // headed "Owner" and {"Owner", ...} redirects nothing. Columns with the same header
+    // all take the last one's values; columns whose field the layer lacks are skipped.
+    // The layer converts the texts to its field types.
+    //
+    // All changes of a call are made in one edit operation of the layer, started and
+    // committed also when nothing matches. Returns true when that operation ran; false,
+    // without changing anything, for a null layer or a layer without keyField (silently)
+    // and for a workbook without the key column in rows 1 and 2, which also shows the
+    // modal warning "The assocation field is not consistent with the excel key field!".
+    // The workbook is read once into indexes, so each feature costs one lookup.
+    //
+    // Decided:
+    // - A feature that the layer cannot return for an id it listed is skipped.
+    // - A layer that cannot list its features (its filter cannot be applied) or cannot
+    //   open an edit operation (read-only, or an operation of the caller already open)
+    //   gives false, changing nothing; an operation that gives no edit buffer is aborted
+    //   and gives false.
+    static bool assocationFromExcel(const QString& path, const QString& keyField,
+                                    VyObjects::TsFeatureLayer* layer,
+                                    const QMap<QString, QString>& fieldNames);
+
+    // Replaces rules by the rule rows of the workbook at path: one list per sheet row
+    // from row 2, or from row 3 when A1 (trimmed) reads "Related layer" (two title
+    // rows), to the last used row, empty rows included. Each list holds the texts of
+    // columns A to the last used column, unchanged, "" for an empty cell. Returns true
+    // when the used range ends in column D or E (rules may then still be empty); false,
+    // with rules empty, for an empty path, a missing or empty workbook and any other
+    // width.
+    //
+    // Decided: the title test also accepts the application's translation of "Related
+    // layer", so that rule sheets titled in the user's language skip their titles too.
+    static bool readAttributeCheckRuleFromExcel(const QString& path, QVector<QStringList>& rules);
+
+    // The cells of the used range of the workbook at path, read row by row, left to
+    // right, as consecutive (x, y) pairs, closed by repeating the first point at the end.
+    // A missing cell inside the range counts as 0; a stored cell without text (a
+    // formatted blank) is passed over; a text that is not a number (a header, "12,5")
+    // reads as 0. Empty when the texts do not pair up (an odd count) or there are none.
+    //
+    // Decided: a used range of more than 50,000,000 cells (stray cells far from the
+    // data) gives an empty result rather than billions of zero points.
+    static std::vector<VyObjects::TsPoint> readCoordinateFile(const QString& path);
+
+    // The texts of the cells of the used range of the workbook at path, row by row, left
+    // to right, "" for a missing cell, so positions can be counted. A range three columns
+    // wide (number, X, Y) leaves its first column out. Empty when no file exists at path
+    // (the object library's test), for a chart sheet and for an empty sheet.
+    //
+    // Decided: the used range itself is read, wherever it starts; a table typed from B3
+    // is read from B3, not from A1, so its width test and its columns agree. The limit
+    // of readCoordinateFile applies.
+    static QStringList readCoordinateFile2(const QString& path);
+
+    // Replaces pairs by the rows of the workbook at path: column A's text, trimmed and
+    // upper case, maps to column B's, treated alike ("Parcel " -> "owner" gives
+    // PARCEL -> OWNER). Every row from row 1 counts, a title row included, and rows above
+    // the used range give the empty key; a lower row replaces an earlier one's value.
+    // Returns false, with pairs empty, for an empty path, a missing or empty workbook or
+    // a used range that does not end in column B.
+    static bool readTransactionTemplateFile(const QString& path, QMap<QString, QString>& pairs);
 };
 
 class VYGISUTIL_EXPORT VyUniversalFunction

@@ -109,28 +109,83 @@ quint32 StringPool::addRich(const QString& plainText, const QByteArray& runsXml)
     return index;
 }
 
-quint32 StringPool::insert(const char* utf8, int size, quint32 hash)
+quint32 StringPool::append(const char* utf8, int size)
 {
-    // Grown at 80 % full: with the hash in the slot, probing a little further is cheaper
-    // than the memory a sparser table would touch.
-    if ((m_offsets.size() + 1) * 5 > m_slots.size() * 4)
-        rehash(std::max<size_t>(m_slots.size() * 2, 1024));
+    size = clampLength(utf8, std::max(size, 0));
+    const quint32 index = count();
+    m_offsets.push_back(store(utf8, size) << LengthBits | quint64(size));
+    return index;
+}
+
+// The slot where text is or would go; index gets its entry if it is there.
+size_t StringPool::findSlot(const char* utf8, int size, quint32 hash, quint32* index) const
+{
     const size_t mask = m_slots.size() - 1;
     size_t pos = hash & mask;
     while (const quint64 slot = m_slots[pos]) {
         if (quint32(slot >> 32) == hash) {
-            const quint32 index = quint32(slot) - 1;
-            const quint64 entry = m_offsets[index];
+            const quint32 candidate = quint32(slot) - 1;
+            const quint64 entry = m_offsets[candidate];
             if (int(entry & LengthMask) == size
-                && (size == 0 || std::memcmp(at(entry >> LengthBits), utf8, size_t(size)) == 0))
-                return index;
+                && (size == 0 || std::memcmp(at(entry >> LengthBits), utf8, size_t(size)) == 0)) {
+                *index = candidate;
+                return pos;
+            }
         }
         pos = (pos + 1) & mask;
     }
+    return pos;
+}
+
+// Grown at 80 % full: with the hash in the slot, probing a little further is cheaper
+// than the memory a sparser table would touch.
+static bool needsGrowth(size_t entries, size_t slots)
+{
+    return entries * 5 > slots * 4;
+}
+
+quint32 StringPool::insert(const char* utf8, int size, quint32 hash)
+{
+    if (m_indexed < count())
+        indexAppended();
+    if (needsGrowth(m_offsets.size() + 1, m_slots.size()))
+        rehash(std::max<size_t>(m_slots.size() * 2, 1024));
+    quint32 found = 0;
+    const size_t pos = findSlot(utf8, size, hash, &found);
+    if (m_slots[pos])
+        return found;
     const quint32 index = count();
     m_offsets.push_back(store(utf8, size) << LengthBits | quint64(size));
     m_slots[pos] = quint64(hash) << 32 | (index + 1);
+    m_indexed = count();
     return index;
+}
+
+// Entries appended since the last lookup join the table, rich ones excepted.
+void StringPool::indexAppended()
+{
+    size_t slots = std::max<size_t>(m_slots.size(), 1024);
+    while (needsGrowth(m_offsets.size() + 1, slots))
+        slots *= 2;
+    if (slots != m_slots.size())
+        rehash(slots);
+    auto rich = std::lower_bound(m_rich.begin(), m_rich.end(), m_indexed,
+                                 [](const auto& e, quint32 i) { return e.first < i; });
+    for (quint32 index = m_indexed; index < count(); ++index) {
+        if (rich != m_rich.end() && rich->first == index) {
+            ++rich;
+            continue;
+        }
+        const quint64 entry = m_offsets[index];
+        const int size = int(entry & LengthMask);
+        const char* text = size ? at(entry >> LengthBits) : "";
+        const quint32 hash = hashBytes(text, size);
+        quint32 found = 0;
+        const size_t pos = findSlot(text, size, hash, &found);
+        if (!m_slots[pos])
+            m_slots[pos] = quint64(hash) << 32 | (index + 1);
+    }
+    m_indexed = count();
 }
 
 void StringPool::rehash(size_t slotCount)
@@ -210,6 +265,7 @@ void StringPool::clear()
     m_used = 0;
     m_offsets.clear();
     m_slots.clear();
+    m_indexed = 0;
     m_rich.clear();
 }
 

@@ -22,6 +22,11 @@ public:
     // The entry of text, added when new.
     quint32 add(QStringView text);
     quint32 add(const char* utf8, int size);
+    // A new entry, without looking for an equal one: for texts that come distinct, such
+    // as a file's shared string table, whose readers mostly never look a text up. The
+    // entry joins the lookup table when add() next needs it (a text appended twice
+    // then has two entries, and add() finds the first).
+    quint32 append(const char* utf8, int size);
     // A rich text entry: its plain text and the <si> children as read. Never shared.
     quint32 addRich(const QString& plainText, const QByteArray& runsXml);
 
@@ -37,6 +42,8 @@ public:
 
 private:
     quint32 insert(const char* utf8, int size, quint32 hash);
+    void indexAppended();
+    size_t findSlot(const char* utf8, int size, quint32 hash, quint32* index) const;
     void rehash(size_t slotCount);
     quint64 store(const char* utf8, int size);
     const char* at(quint64 offset) const
@@ -60,6 +67,7 @@ private:
     // hash above its index + 1 (0 = free): a probe rarely has to look at the text
     // itself, one cache line serves a probe, and growing never rereads the texts.
     std::vector<quint64> m_slots;
+    quint32 m_indexed = 0;                     // entries before this one are in m_slots (or rich)
     std::vector<char> m_utf8;                  // reused conversion buffer of add(QStringView)
     std::vector<std::pair<quint32, QByteArray>> m_rich;   // sorted by entry index
 };

@@ -40,6 +40,25 @@ bool parsePart(ZipReader& zip, int index, XmlHandler& handler, QString* error)
     return true;
 }
 
+// The same for the parts read by the scanner: readers with feed, finish and errorString.
+template <typename Reader>
+bool scanPart(ZipReader& zip, int index, Reader& reader, QString* error)
+{
+    QString zipError;
+    const bool complete = zip.stream(index, [&](const char* data, int size) {
+        return reader.feed(data, size_t(size));
+    }, &zipError);
+    if (!complete) {
+        *error = zipError;
+        return false;
+    }
+    if (!reader.finish()) {
+        *error = QStringLiteral("%1: %2").arg(zip.entryName(index), reader.errorString());
+        return false;
+    }
+    return true;
+}
+
 bool readPart(ZipReader& zip, int index, QByteArray* data, QString* error)
 {
     QString zipError;
@@ -211,11 +230,11 @@ void PackageReader::readSharedStrings()
     const int index = m_sharedStringsPart.isEmpty() ? -1 : consume(m_sharedStringsPart);
     if (index < 0)
         return;
-    SharedStringsHandler handler(m_book.strings);
+    SharedStringsReader reader(m_book.strings);
     QString problem;
-    if (!parsePart(m_zip, index, handler, &problem))
+    if (!scanPart(m_zip, index, reader, &problem))
         note(problem);
-    m_sharedStrings = std::move(handler.indexes);
+    m_sharedStrings = std::move(reader.indexes);
 }
 
 void PackageReader::readSheet(const SheetEntry& entry)
@@ -244,8 +263,8 @@ void PackageReader::readSheet(const SheetEntry& entry)
 
     QString problem;
     if (type == AbstractSheet::ST_WorkSheet) {
-        WorksheetHandler handler(m_book, *sheet, CellIndexes{&m_sharedStrings, &m_styles});
-        if (!parsePart(m_zip, index, handler, &problem))
+        WorksheetReader reader(m_book, *sheet, CellIndexes{&m_sharedStrings, &m_styles});
+        if (!scanPart(m_zip, index, reader, &problem))
             note(problem);
     } else if (!readPart(m_zip, index, &sheet->rawPart, &problem)) {
         note(problem);

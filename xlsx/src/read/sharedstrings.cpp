@@ -1,59 +1,103 @@
 #include "read/sharedstrings.h"
 
 #include "model/stringpool.h"
+#include "read/xmlreader.h"
 
-#include <cstdlib>
+#include <charconv>
 
 namespace QXlsx::detail {
 
-void SharedStringsHandler::startElement(XmlReader& reader, std::string_view name, const XmlAttributes& attributes)
+SharedStringsReader::SharedStringsReader(StringPool& pool) : m_pool(pool), m_scanner(*this) {}
+
+void SharedStringsReader::startElement(const ScannedTag& tag)
 {
-    if (name == "si") {
-        m_inItem = true;
+    if (m_capture.active()) {
+        m_capture.start(tag);
+        if (m_captureHeard && tag.name == "t") {
+            m_collecting = true;
+            m_text.clear();
+        }
+        return;
+    }
+    if (m_itemDepth > 0) {
+        startInItem(tag);
+    } else if (tag.name == "si") {
+        m_itemDepth = m_scanner.depth();
         m_plain.clear();
         m_runsXml.clear();
         m_rich = false;
-    } else if (!m_inItem) {
+    } else if (tag.name == "sst") {
         // The count is only a hint; a bounded reservation saves regrowing a big table.
-        if (name == "sst") {
-            if (const char* unique = attributes.value("uniqueCount"))
-                indexes.reserve(size_t(qBound(0LL, std::atoll(unique), 1LL << 20)));
+        if (const std::string_view* unique = tag.value("uniqueCount")) {
+            quint32 count = 0;
+            std::from_chars(unique->data(), unique->data() + unique->size(), count);
+            indexes.reserve(qMin<quint32>(count, 1u << 20));
         }
-    } else if (name == "t") {
-        reader.beginText();
-    } else if (name == "r" || name == "rPh" || name == "phoneticPr") {
-        if (!m_rich && !m_plain.empty())
-            keepPlainTextAsXml();
-        m_rich = true;
-        // Runs are shown, so their texts are heard; phonetic guides are only kept.
-        reader.captureElement(name == "r");
     }
 }
 
-void SharedStringsHandler::endElement(XmlReader& reader, std::string_view name)
+void SharedStringsReader::startInItem(const ScannedTag& tag)
 {
-    if (!m_inItem)
+    const std::string_view name = tag.name;
+    const bool run = name == "r";
+    const bool phonetic = name == "rPh" || name == "phoneticPr";
+    // Once an entry is rich, a later <t> of its own is kept in its XML as well.
+    const bool lateText = name == "t" && m_rich && m_scanner.depth() == m_itemDepth + 1;
+    if (name == "t" && !lateText) {
+        m_collecting = true;
+        m_text.clear();
+    }
+    if (!run && !phonetic && !lateText)
         return;
-    if (name == "t") {
-        m_plain.append(reader.text());
-        reader.endText();
-    } else if (name == "si") {
-        m_inItem = false;
+    if (!m_rich && !m_plain.empty())
+        keepPlainTextAsXml();
+    m_rich = true;
+    // Runs are shown, so their texts are heard; phonetic guides are only kept.
+    m_captureHeard = !phonetic;
+    m_capture.begin(tag, m_scanner);
+    if (lateText) {
+        m_collecting = true;
+        m_text.clear();
+    }
+}
+
+void SharedStringsReader::endElement(std::string_view name, std::string_view qualifiedName, std::string_view)
+{
+    if (m_capture.active()) {
+        if (m_capture.end(qualifiedName))
+            m_runsXml.append(m_capture.take());
+        if (!m_captureHeard)
+            return;
+    }
+    if (m_itemDepth == 0)
+        return;
+    if (name == "t" && m_collecting) {
+        m_plain.append(m_text);
+        m_collecting = false;
+    } else if (name == "si" && m_scanner.depth() == m_itemDepth) {
+        m_itemDepth = 0;
+        m_collecting = false;
         decodeEscapes(m_plain);
         if (m_rich)
             indexes.push_back(m_pool.addRich(QString::fromStdString(m_plain), m_runsXml));
         else
-            indexes.push_back(m_pool.add(m_plain.data(), int(m_plain.size())));
+            indexes.push_back(m_pool.append(m_plain.data(), int(m_plain.size())));
     }
 }
 
-void SharedStringsHandler::captured(XmlReader&, RawElement&& element)
+void SharedStringsReader::text(std::string_view text, std::string_view)
 {
-    m_runsXml.append(element.xml);
+    if (m_capture.active()) {
+        m_capture.text(text);
+        if (!m_captureHeard)
+            return;
+    }
+    if (m_collecting)
+        m_text.append(text);
 }
 
 // An entry turned out rich after a plain <t>: its XML starts with that text, as read.
-void SharedStringsHandler::keepPlainTextAsXml()
+void SharedStringsReader::keepPlainTextAsXml()
 {
     m_runsXml.append("<t xml:space=\"preserve\">");
     appendEscaped(m_runsXml, m_plain, false);

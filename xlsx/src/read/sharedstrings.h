@@ -1,6 +1,6 @@
 #pragma once
 
-#include "read/xmlreader.h"
+#include "read/xmlscanner.h"
 
 #include <QByteArray>
 
@@ -11,31 +11,41 @@ namespace QXlsx::detail {
 
 class StringPool;
 
-// Reads the shared string table into the pool. indexes maps the file's string indexes
-// to pool entries (equal plain texts share one entry in the pool).
+// Reads the shared string table into the pool as the part inflates. indexes maps the
+// file's string indexes to pool entries.
 //
 // <si> holds a plain <t>, or runs <r> of formatted <t> texts; phonetic guides (<rPh>,
 // <phoneticPr>) follow. Cells show the texts of <t> and the runs joined; an entry with
 // anything beyond a plain <t> keeps its children's XML so that a save gives it back.
-class SharedStringsHandler : public XmlHandler
+class SharedStringsReader : public ScanHandler
 {
 public:
-    explicit SharedStringsHandler(StringPool& pool) : m_pool(pool) {}
+    explicit SharedStringsReader(StringPool& pool);
 
     std::vector<quint32> indexes;
 
-    void startElement(XmlReader& reader, std::string_view name, const XmlAttributes& attributes) override;
-    void endElement(XmlReader& reader, std::string_view name) override;
-    void captured(XmlReader& reader, RawElement&& element) override;
+    bool feed(const char* data, size_t size) { return m_scanner.feed(data, size); }
+    bool finish() { return m_scanner.finish(); }
+    QString errorString() const { return m_scanner.errorString(); }
+
+    void startElement(const ScannedTag& tag) override;
+    void endElement(std::string_view name, std::string_view qualifiedName, std::string_view raw) override;
+    void text(std::string_view text, std::string_view raw) override;
 
 private:
+    void startInItem(const ScannedTag& tag);
     void keepPlainTextAsXml();
 
     StringPool& m_pool;
-    std::string m_plain;
+    XmlScanner m_scanner;
+    std::string m_plain;          // the entry's text as cells show it
+    std::string m_text;           // the <t> being read
     QByteArray m_runsXml;
-    bool m_inItem = false;
+    ElementCapture m_capture;     // a run, a phonetic guide, or a <t> after runs
+    bool m_captureHeard = false;  // whether the captured element's texts are shown
+    int m_itemDepth = 0;          // of the <si> being read, 0 outside one
     bool m_rich = false;
+    bool m_collecting = false;
 };
 
 } // namespace QXlsx::detail
