@@ -33,11 +33,6 @@ TEST_F(CoordinateFiles, PairsRowsIntoAClosedRing)
               (Points{{10, 20}, {30.5, 40}, {50, 60}, {70, 80}, {10, 20}}));
 }
 
-TEST_F(CoordinateFiles, ASinglePairGivesTwoEqualPoints)
-{
-    EXPECT_EQ(VyExcelUtil::readCoordinateFile(rows({{1.25, -2}})), (Points{{1.25, -2}, {1.25, -2}}));
-}
-
 TEST_F(CoordinateFiles, TextsThatAreNoNumbersReadAsZero)
 {
     // A header row is data too; a decimal comma is no number.

@@ -71,13 +71,6 @@ TEST_F(TableWidgetImport, ComparesKeysExactlyAndNumbersByTheirText)
     EXPECT_EQ(m_table.item(2, 0)->text(), "K1");
 }
 
-TEST_F(TableWidgetImport, AMissingKeyCellMatchesTheEmptyKey)
-{
-    EXPECT_TRUE(import(rows({{"Key"}, {QVariant(), "b"}}), {""}));
-    ASSERT_EQ(m_table.rowCount(), 1);
-    EXPECT_EQ(row(0), (QStringList{"", "b", "-", "-"}));
-}
-
 TEST_F(TableWidgetImport, ShowsDatesAsYearMonthDayHoursAndMinutes)
 {
     const QString file = rows({{"Key"},
