@@ -22,7 +22,7 @@ private:
 };
 
 TsMemoryFeatureLayer::TsMemoryFeatureLayer(const TsString& name, LayerType type)
-    : TsFeatureLayer(name, type), m_records(new TsMemoryRecords)
+    : TsFeatureLayer(name, type), m_records(std::make_shared<TsMemoryRecords>())
 {
 }
 
@@ -77,21 +77,15 @@ TsRefPtr<TsField> TsMemoryFeatureLayer::FindField(const TsString& name) const
 
 TsRefPtr<TsFeatureCursor> TsMemoryFeatureLayer::GetFeatureCursor(const TsQueryFilter& filter)
 {
-    std::vector<TsRefPtr<TsFeature>> selected;
-    if (!m_records->Select(filter, selected))
+    std::vector<int> ids;
+    if (!m_records->Select(filter, ids))
         return nullptr;
-    return TsRefPtr<TsFeatureCursor>(new TsMemoryCursor(std::move(selected)));
+    return TsRefPtr<TsFeatureCursor>(new TsMemoryCursor(m_records, std::move(ids)));
 }
 
 bool TsMemoryFeatureLayer::Search(const TsQueryFilter& filter, std::vector<int>& ids)
 {
-    ids.clear();
-    std::vector<TsRefPtr<TsFeature>> selected;
-    if (!m_records->Select(filter, selected))
-        return false;
-    for (const TsRefPtr<TsFeature>& feature : selected)
-        ids.push_back(feature->GetID());
-    return true;
+    return m_records->Select(filter, ids);
 }
 
 TsRefPtr<TsFeature> TsMemoryFeatureLayer::GetFeature(int id)

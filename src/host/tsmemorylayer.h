@@ -79,7 +79,7 @@ private:
         TsVariant oldValue;
     };
 
-    std::unique_ptr<TsMemoryRecords> m_records;
+    std::shared_ptr<TsMemoryRecords> m_records;
     TsQueryFilter m_filter;
     std::vector<Undo> m_undo;
     bool m_readOnly = false;

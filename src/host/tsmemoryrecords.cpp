@@ -37,21 +37,25 @@ bool TsMemoryRecords::Contains(int id) const
     return find(id) != nullptr;
 }
 
-bool TsMemoryRecords::Select(const TsQueryFilter& filter, std::vector<TsRefPtr<TsFeature>>& selected) const
+bool TsMemoryRecords::Select(const TsQueryFilter& filter, std::vector<int>& ids) const
 {
-    selected.clear();
+    ids.clear();
     TsAttributeCondition condition;
     const bool hasClause = !filter.GetWhereClause().IsEmpty();
     if (hasClause && (!condition.Parse(filter.GetWhereClause())
                       || m_fields->FindFieldIndex(condition.FieldName()) < 0))
         return false;
+    const bool filtered = hasClause || filter.GetPredicate();
+    ids.reserve(m_records.size());
     for (int id = 1; id <= static_cast<int>(m_records.size()); ++id) {
-        TsRefPtr<TsFeature> feature = Read(id);
-        if (hasClause && !condition.Admits(*feature))
-            continue;
-        if (filter.GetPredicate() && !filter.GetPredicate()(*feature))
-            continue;
-        selected.push_back(std::move(feature));
+        if (filtered) {
+            const TsRefPtr<TsFeature> feature = Read(id);
+            if (hasClause && !condition.Admits(*feature))
+                continue;
+            if (filter.GetPredicate() && !filter.GetPredicate()(*feature))
+                continue;
+        }
+        ids.push_back(id);
     }
     return true;
 }
@@ -89,22 +93,20 @@ const TsMemoryRecords::Record* TsMemoryRecords::find(int id) const
     return &m_records[static_cast<std::size_t>(id - 1)];
 }
 
-TsMemoryCursor::TsMemoryCursor(std::vector<TsRefPtr<TsFeature>> features)
-    : m_features(std::move(features))
+TsMemoryCursor::TsMemoryCursor(std::shared_ptr<const TsMemoryRecords> records, std::vector<int> ids)
+    : m_records(std::move(records)), m_ids(std::move(ids))
 {
 }
 
 TsRefPtr<TsFeature> TsMemoryCursor::NextFeature()
 {
-    if (m_next >= m_features.size())
+    if (m_next >= m_ids.size())
         return nullptr;
-    // Let go of each feature as it is handed out, so that a cursor that has
-    // been walked holds nothing.
-    return std::move(m_features[m_next++]);
+    return m_records->Read(m_ids[m_next++]);
 }
 
-TsMemoryRowCursor::TsMemoryRowCursor(std::vector<TsRefPtr<TsFeature>> rows)
-    : m_features(TsRefPtr<TsMemoryCursor>::create(std::move(rows)))
+TsMemoryRowCursor::TsMemoryRowCursor(std::shared_ptr<const TsMemoryRecords> records, std::vector<int> ids)
+    : m_features(TsRefPtr<TsMemoryCursor>::create(std::move(records), std::move(ids)))
 {
 }
 

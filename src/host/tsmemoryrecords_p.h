@@ -6,6 +6,7 @@
 
 #include "tsfeaturelayer.h"
 
+#include <memory>
 #include <vector>
 
 namespace VyObjects {
@@ -24,9 +25,9 @@ public:
     bool Contains(int id) const;
     int Count() const { return static_cast<int>(m_records.size()); }
 
-    // The records filter admits, as features read now; false when the where
-    // clause cannot be read or names an unknown field.
-    bool Select(const TsQueryFilter& filter, std::vector<TsRefPtr<TsFeature>>& selected) const;
+    // The ids of the records filter admits now; false when the where clause
+    // cannot be read or names an unknown field.
+    bool Select(const TsQueryFilter& filter, std::vector<int>& ids) const;
     TsRefPtr<TsFeature> Read(int id) const;
 
     TsVariant Value(int id, int fieldIndex) const;
@@ -45,22 +46,25 @@ private:
     std::vector<Record> m_records;
 };
 
-// Hands out features (or rows) that were selected when it was opened.
+// Hands out the features (or rows) selected when it was opened, each read as
+// it is asked for: opening a cursor on a large layer copies ids, not features.
+// The cursor shares the records, so it stays valid after its layer is gone.
 class TsMemoryCursor : public TsFeatureCursor
 {
 public:
-    explicit TsMemoryCursor(std::vector<TsRefPtr<TsFeature>> features);
+    TsMemoryCursor(std::shared_ptr<const TsMemoryRecords> records, std::vector<int> ids);
     TsRefPtr<TsFeature> NextFeature() override;
 
 private:
-    std::vector<TsRefPtr<TsFeature>> m_features;
+    std::shared_ptr<const TsMemoryRecords> m_records;
+    std::vector<int> m_ids;
     std::size_t m_next = 0;
 };
 
 class TsMemoryRowCursor : public TsRowCursor
 {
 public:
-    explicit TsMemoryRowCursor(std::vector<TsRefPtr<TsFeature>> rows);
+    TsMemoryRowCursor(std::shared_ptr<const TsMemoryRecords> records, std::vector<int> ids);
     TsRefPtr<TsRow> NextRow() override;
 
 private:

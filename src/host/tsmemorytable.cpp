@@ -5,7 +5,7 @@
 namespace VyObjects {
 
 TsMemoryTable::TsMemoryTable(const TsString& name)
-    : m_name(name), m_records(new TsMemoryRecords)
+    : m_name(name), m_records(std::make_shared<TsMemoryRecords>())
 {
 }
 
@@ -39,10 +39,10 @@ TsRefPtr<TsFields> TsMemoryTable::GetFields() const
 
 TsRefPtr<TsRowCursor> TsMemoryTable::GetRowCursor(const TsQueryFilter& filter)
 {
-    std::vector<TsRefPtr<TsFeature>> selected;
-    if (!m_records->Select(filter, selected))
+    std::vector<int> ids;
+    if (!m_records->Select(filter, ids))
         return nullptr;
-    return TsRefPtr<TsRowCursor>(new TsMemoryRowCursor(std::move(selected)));
+    return TsRefPtr<TsRowCursor>(new TsMemoryRowCursor(m_records, std::move(ids)));
 }
 
 } // namespace VyObjects

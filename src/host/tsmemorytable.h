@@ -35,7 +35,7 @@ protected:
 
 private:
     TsString m_name;
-    std::unique_ptr<TsMemoryRecords> m_records;
+    std::shared_ptr<TsMemoryRecords> m_records;
     bool m_fieldsAvailable = true;
 };
 

@@ -3,6 +3,7 @@
 #include "tsqstring_p.h"
 
 #include <QString>
+#include <QStringView>
 
 #include <cwchar>
 
@@ -89,7 +90,10 @@ int TsString::Compare(const TsString& other) const
 
 int TsString::CompareNoCase(const TsString& other) const
 {
-    return QString::compare(toQString(m_text), toQString(other.m_text), Qt::CaseInsensitive);
+    // Views over the stored UTF-16, so that comparing allocates nothing.
+    const QStringView mine(m_text.data(), qsizetype(m_text.size()));
+    const QStringView theirs(other.m_text.data(), qsizetype(other.m_text.size()));
+    return mine.compare(theirs, Qt::CaseInsensitive);
 }
 
 std::vector<TsString> TsString::split(const TsString& separator) const
