@@ -13,8 +13,10 @@
 #include "vygisutil_export.h"
 
 #include "tsmap.h"
+#include "tsraster.h"
 
 #include "tssde.h"
+#include "tstopology.h"
 
 #include <QMap>
 #include <QSet>
@@ -322,6 +324,79 @@ public:
     // Returns false, with pairs empty, for an empty path, a missing or empty workbook or
     // a used range that does not end in column B.
     static bool readTransactionTemplateFile(const QString& path, QMap<QString, QString>& pairs);
+
+    // --- Check and analysis reports ---------------------------------------------------
+
+    // Writes check errors, flattened into consecutive (error type, layer count, layer
+    // name) triples, below the header "Error Type", "Layer Count", "Layer Name" (centred
+    // and bordered) in columns A to C of the workbook at path: triple k goes to row
+    // k + 2 as plain text cells. The workbook is opened first, so its other sheets,
+    // cells and formats are saved back with the list; a path without a workbook (no
+    // file, or a file that is not a workbook) starts a new one there. Returns the result
+    // of the save, which leaves the file as it was when it fails.
+    //
+    // Returns false, touching no file, when the list is empty, its length is not a
+    // multiple of 3, or it holds more triples than a sheet has rows below the header
+    // (1,048,575); and when the workbook's active sheet is a chart sheet, which has no
+    // cells to receive the list.
+    static bool exportErrorTable(QStringList errors, QString path);
+
+    // Writes the errors of a finished topology or attribute check to a new workbook at
+    // path (replacing any file there): the translated header "Error type", "Status",
+    // "Number", "Layer", "Notes", "Feature 1", "Feature 2", "coordinate", "Related
+    // layer" in row 1 and error n in row n + 2, every cell centred and bordered, columns
+    // A to I 40 wide. Numbers are text cells. Column A holds the error type only for an
+    // attribute check; "Status" is left without cells for the user; "Notes" is empty;
+    // "Feature 1" shows the feature id when above 0; "Feature 2" the related feature id
+    // when above 0 and not the same feature on the same layer.
+    //
+    // Returns true whatever the save gives, and false, writing nothing, for a null
+    // topology. A record that cannot be read repeats the values of the record before it
+    // (zeros and empty texts for the first). Of the record, the rule id, the rule
+    // description and the exception flag are read but not reported. A count above the
+    // sheet's capacity is cut at its last row, 1,048,576.
+    static bool exportExcelByTsTopology(const QString& path, VyObjects::TsTopology* topology);
+
+    // Writes the rows of table whose column-0 check box is ticked (checked or partially
+    // checked) to a new workbook at path (replacing any file there): the translated
+    // header "Standard description", "Related field", "Related parameter", "Error
+    // description" in A1 to D1, then the displayed texts of columns 0 to 3 of each ticked
+    // row, one workbook row each from row 2 without gaps; every cell centred and
+    // bordered, columns A to I 40 wide. Only column 0's check box counts.
+    //
+    // Returns true whatever the save gives, and false, writing nothing, for a null
+    // table. A row without an item in column 0 has no check box and counts as unticked;
+    // a missing item in columns 1 to 3 of a ticked row is written as an empty (bordered)
+    // text, as the widget shows it. Ticked rows beyond the sheet's last row are dropped.
+    static bool exportExcelByTableWidget(const QString& path, QTableWidget* table);
+
+    // Looks up the elevations of points in an elevation model and writes them to a new
+    // workbook at path (replacing any file there). points holds (x, y) pairs of decimal
+    // texts in the raster's coordinate system; a pair with an empty member is a heading,
+    // written as its joined texts in column A, that restarts the point numbering at 1.
+    // Each point gets a row: its number in its group (A), "x,y" with four decimals (B),
+    // and its elevation with four decimals (C), or the translated "Not within the range
+    // of Dem data!" when it lies outside the raster's extent (edges count as inside).
+    // B1 and C1 hold the translated "XYCoordinate" and "Elevation info"; A1 stays empty.
+    // Every cell is a centred, bordered text cell. Columns B and C get the width of
+    // their longest figure text plus 10, counting points inside the extent only. A text
+    // that is not a number reads as 0. Returns the result of the save.
+    //
+    // Returns false, writing nothing, for a null raster and for more pairs than a sheet
+    // has rows below the header (1,048,575). The raster's reference is released before
+    // the function returns.
+    // - An unpaired last entry of an odd-length list is a heading whose partner is
+    //   missing: its text is written, never dropped.
+    // - Negative elevations, no-data values below 0 and NaN are written as 0.0000.
+    // - A point on the maximum-x or minimum-y edge reads the last column or row (the
+    //   cell that edge closes), not the no-data cell one past it; a raster without a
+    //   cell size reads its first cell.
+    // - The pixel block comes counted: one block is asked for at the first point inside
+    //   the extent, refilled for every point, and freed by its last release when the
+    //   function returns. A raster that gives no block makes its points read as outside
+    //   the range.
+    static bool saveQueryElevationOutputFile(const QString& path, QStringList points,
+                                             VyObjects::TsRefPtr<VyObjects::TsRasterProps> raster);
 };
 
 class VYGISUTIL_EXPORT VyUniversalFunction
