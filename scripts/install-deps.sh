@@ -5,7 +5,7 @@ set -euo pipefail
 
 packages=(
   build-essential cmake pkg-config
-  qtbase5-dev zlib1g-dev libexpat1-dev libzip-dev
+  qtbase5-dev zlib1g-dev libdeflate-dev libexpat1-dev libzip-dev
   # libzip's CMake package checks that its command-line tools are there.
   zipcmp zipmerge ziptool
   googletest libgtest-dev

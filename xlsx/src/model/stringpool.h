@@ -27,6 +27,8 @@ public:
     // entry joins the lookup table when add() next needs it (a text appended twice
     // then has two entries, and add() finds the first).
     quint32 append(const char* utf8, int size);
+    // Room for this many entries in all, so that a table of known size never regrows.
+    void reserve(quint32 entries) { m_offsets.reserve(entries); }
     // A rich text entry: its plain text and the <si> children as read. Never shared.
     quint32 addRich(const QString& plainText, const QByteArray& runsXml);
 

@@ -27,11 +27,14 @@ void SharedStringsReader::startElement(const ScannedTag& tag)
         m_runsXml.clear();
         m_rich = false;
     } else if (tag.name == "sst") {
-        // The count is only a hint; a bounded reservation saves regrowing a big table.
+        // The count is only a hint; a bounded reservation saves regrowing a big table
+        // (and the fresh pages each regrowth touches).
         if (const std::string_view* unique = tag.value("uniqueCount")) {
             quint32 count = 0;
             std::from_chars(unique->data(), unique->data() + unique->size(), count);
-            indexes.reserve(qMin<quint32>(count, 1u << 20));
+            count = qMin<quint32>(count, 1u << 22);
+            indexes.reserve(count);
+            m_pool.reserve(m_pool.count() + count);
         }
     }
 }

@@ -53,7 +53,9 @@ void WorksheetHandler::startElement(XmlReader& reader, std::string_view name, co
             if (const char* width = attributes.value("defaultColWidth"))
                 m_sheet.defaultColumnWidth = qBound(0.0, std::atof(width), 255.0);
             reader.captureElement();
-        } else if (name != "sheetData" && name != "cols" && name != "mergeCells" && name != "dimension") {
+        } else if (name == "dimension") {
+            reserveRows(attributes.value("ref"));
+        } else if (name != "sheetData" && name != "cols" && name != "mergeCells") {
             reader.captureElement();
         }
     } else if (depth == 3 && name == "col") {
@@ -63,6 +65,15 @@ void WorksheetHandler::startElement(XmlReader& reader, std::string_view name, co
         if (range.isValid() && (range.rowCount() > 1 || range.columnCount() > 1))
             m_sheet.merges.append(range);
     }
+}
+
+// The extent a writer noted is only a hint, but reserving by it spares regrowing the
+// rows of a big sheet, within a bound a lying file cannot turn into much memory.
+void WorksheetHandler::reserveRows(const char* ref)
+{
+    const CellRange range(QString::fromUtf8(ref ? ref : ""));
+    if (range.isValid() && m_sheet.rows.empty())
+        m_sheet.rows.reserve(size_t(qMin(range.rowCount(), 1 << 18)));
 }
 
 void WorksheetHandler::startColumn(const XmlAttributes& attributes)

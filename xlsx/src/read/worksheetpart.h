@@ -26,6 +26,7 @@ public:
 
 private:
     void startColumn(const XmlAttributes& attributes);
+    void reserveRows(const char* ref);
     quint32 styleIndex(const char* value) const;
 
     SheetData& m_sheet;

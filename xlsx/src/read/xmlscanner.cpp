@@ -124,27 +124,35 @@ void XmlScanner::fail(const char* reason)
 bool XmlScanner::feed(const char* data, size_t size)
 {
     // An unfinished token is completed a piece at a time: through the next ">" when
-    // that is enough, and at least doubling the carried bytes when it is not, so a
-    // long token costs time in proportion to its length.
+    // that is enough, and it is scanned again only once it has doubled since the scan
+    // that found it unfinished, so a long token costs time in proportion to its length
+    // however small the chunks.
     while (!m_tail.empty() && size > 0 && !m_stopped) {
+        const size_t wanted = 2 * m_tailScanned > m_tail.size() ? 2 * m_tailScanned - m_tail.size() : 0;
         const void* close = std::memchr(data, '>', size);
         size_t take = close ? size_t(static_cast<const char*>(close) - data) + 1 : size;
-        take = std::max(take, std::min(size, m_tail.size()));
+        take = std::max(take, std::min(size, wanted));
         m_tail.append(data, take);
         data += take;
         size -= take;
+        if (m_tail.size() < 2 * m_tailScanned)
+            break;   // the chunk ran out first
         const size_t used = scan(m_tail.data(), m_tail.size());
         m_tail.erase(0, used);
+        m_tailScanned = m_tail.size();
     }
     if (size > 0 && !m_stopped) {
         const size_t used = scan(data, size);
         m_tail.assign(data + used, size - used);
+        m_tailScanned = m_tail.size();
     }
     return !m_stopped;
 }
 
 bool XmlScanner::finish()
 {
+    if (!m_tail.empty() && !m_stopped)
+        m_tail.erase(0, scan(m_tail.data(), m_tail.size()));
     if (m_stopped)
         return false;
     if (std::any_of(m_tail.begin(), m_tail.end(), [](char c) { return !isSpace(c); })) {

@@ -88,6 +88,7 @@ private:
 
     ScanHandler& m_handler;
     std::string m_tail;                       // an unfinished token carried to the next chunk
+    size_t m_tailScanned = 0;                 // its size when last found unfinished
     std::string m_text;                       // decoded character data, reused
     std::string m_values;                     // decoded attribute values, reused
     std::vector<ScannedAttribute> m_attributes;

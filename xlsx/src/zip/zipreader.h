@@ -10,6 +10,7 @@
 
 typedef struct zip zip_t;
 typedef struct zip_source zip_source_t;
+struct zip_stat;
 
 namespace QXlsx::detail {
 
@@ -42,6 +43,10 @@ public:
     bool readAll(int index, QByteArray* out, QString* error);
 
 private:
+    bool withinLimits(qint64 inflated, qint64 compressed) const;
+    bool streamThroughLibzip(int index, qint64 compressed, const Sink& sink, QString* error);
+    bool inflateStreaming(int index, const struct zip_stat& st, const Sink& sink, QString* error);
+
     ReadLimits m_limits;
     zip_source_t* m_source = nullptr;
     zip_t* m_zip = nullptr;
