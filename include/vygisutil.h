@@ -14,13 +14,12 @@
 
 #include "tsmap.h"
 #include "tsraster.h"
-
 #include "tssde.h"
 #include "tstopology.h"
 
+#include <QIcon>
 #include <QMap>
 #include <QSet>
-#include <QIcon>
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -67,79 +66,6 @@ public:
     // (a few stray cells far from the data would otherwise ask for gigabytes of empty
     // strings).
     static void getExcelData(QString path, std::vector<QStringList>& rows);
-
-    // --- Field template workbooks -----------------------------------------------------
-    //
-    // A field template workbook describes the tables of a data template, one field per
-    // row below the header "TableName", "FieldsName", "FieldsType", "FieldsLenth" (so
-    // spelled), "Precision" in columns A to E. A table name workbook lists table names
-    // below "TableName" in column A. Both are read from the workbook's current (active)
-    // sheet. Field rows pass through a QStringList flattened, five entries per row in
-    // column order. Every cell is text here: values are taken as the cell gives them
-    // (a number as its QVariant text), never trimmed, converted or compared ignoring
-    // case; a cell that is not stored reads as the empty text.
-    //
-    // The readers that check the template header accept a sheet only when A1 to E1 hold
-    // exactly the five header texts, exactly five columns are in use (a cell stored in
-    // column F, even an empty one, fails the check) and at least one row follows the
-    // header. Readers never save. Every reader returns the empty list for a path without
-    // a file (creating nothing), a file that is not a workbook, or a workbook whose
-    // current sheet is a chart sheet (decided: a chart sheet holds no template, so it
-    // reads like the other failures).
-
-    // The texts of column A from row 2 to the last used row, one per row in row order,
-    // empty ones and repeats included (a field template workbook gives one name per
-    // field row). Only A1 is checked: it must be stored and hold exactly "TableName".
-    static QStringList readFieldsTemplateTableName(QString path);
-
-    // The field rows of tableName (exact, case-sensitive match of column A), in row
-    // order wherever they stand in the sheet, four entries per row: columns B to E.
-    // An empty tableName selects the rows without a name. Empty list when the header
-    // check fails or no row matches.
-    static QStringList readFieldsTemplateTableContent(QString tableName, QString path);
-
-    // As readFieldsTemplateTableContent, but five entries per row, column A included:
-    // the shape updateFieldsTemplateTableContent writes back.
-    static QStringList readFieldsTemplateTableContent1(QString tableName, QString path);
-
-    // Every field row, five entries each, from row 2 to the last used row; a row
-    // without cells gives five empty entries. Empty list when the header check fails.
-    static QStringList getImportTemplateTable(QString path);
-
-    // The table names in column A, one per run of consecutive equal names, in row order
-    // (a table whose rows stand in two runs is listed twice; names differing in case are
-    // two tables). The scan stops at the first row without a stored A cell. A leading
-    // run of empty names is not listed; an empty run after a named one is. Empty list
-    // when the header check fails.
-    static QStringList getImportTemplateTableName(QString path);
-
-    // Replaces the field template workbook at path by the header row and content,
-    // flattened five entries per row from row 2, as plain text cells (default format).
-    // A trailing group of fewer than five entries is dropped. The file is first reset
-    // with clearExcel, so the workbook is left with the single worksheet "Sheet1".
-    //
-    // Returns false, touching nothing, when no file exists at path (none is created);
-    // false for an empty content, after the reset: the file is then an empty workbook
-    // without a header (the caller asked for no fields). Otherwise true, whether or not
-    // the save succeeded.
-    //
-    // Nothing else loses the template: the save is atomic, and if it fails after the
-    // reset had deleted the file, the file's earlier bytes are written back (where they
-    // could be read; files above 256 MiB, which are no templates, are not kept for
-    // this). When the reset cannot delete the file (another program holds it open), the
-    // header and rows are written over the existing current worksheet, whose other
-    // cells stay, and saved if the file allows it. Decided: if in that case the current
-    // sheet is a chart sheet, there is no worksheet to write to; the file is left
-    // untouched and the result is false.
-    static bool updateFieldsTemplateTableContent(QStringList content, QString path);
-
-    // Replaces the table name workbook at path by "TableName" in A1 and tableNames from
-    // A2 down, as plain text cells; an empty list leaves the header alone. Nothing is
-    // done when no file exists at path. The reset, the save and their failures are as
-    // for updateFieldsTemplateTableContent; when the reset cannot delete the file, the
-    // names go below the last used row of its current worksheet, and a chart sheet as
-    // current sheet leaves the file untouched (decided, as there).
-    static void updateTemplateName(QString path, QStringList tableNames);
 
     // --- Exporting attributes ---------------------------------------------------------
     //
@@ -222,6 +148,79 @@ public:
     // Decided: a table that cannot describe its fields gives false without saving, as
     // a layer in that state does, since no header or value could be placed.
     static bool export2Excel(const QString& path, VyObjects::TsRefPtr<VyObjects::TsTable> table);
+
+    // --- Check and analysis reports ---------------------------------------------------
+
+    // Writes check errors, flattened into consecutive (error type, layer count, layer
+    // name) triples, below the header "Error Type", "Layer Count", "Layer Name" (centred
+    // and bordered) in columns A to C of the workbook at path: triple k goes to row
+    // k + 2 as plain text cells. The workbook is opened first, so its other sheets,
+    // cells and formats are saved back with the list; a path without a workbook (no
+    // file, or a file that is not a workbook) starts a new one there. Returns the result
+    // of the save, which leaves the file as it was when it fails.
+    //
+    // Returns false, touching no file, when the list is empty, its length is not a
+    // multiple of 3, or it holds more triples than a sheet has rows below the header
+    // (1,048,575); and when the workbook's active sheet is a chart sheet, which has no
+    // cells to receive the list.
+    static bool exportErrorTable(QStringList errors, QString path);
+
+    // Writes the errors of a finished topology or attribute check to a new workbook at
+    // path (replacing any file there): the translated header "Error type", "Status",
+    // "Number", "Layer", "Notes", "Feature 1", "Feature 2", "coordinate", "Related
+    // layer" in row 1 and error n in row n + 2, every cell centred and bordered, columns
+    // A to I 40 wide. Numbers are text cells. Column A holds the error type only for an
+    // attribute check; "Status" is left without cells for the user; "Notes" is empty;
+    // "Feature 1" shows the feature id when above 0; "Feature 2" the related feature id
+    // when above 0 and not the same feature on the same layer.
+    //
+    // Returns true whatever the save gives, and false, writing nothing, for a null
+    // topology. A record that cannot be read repeats the values of the record before it
+    // (zeros and empty texts for the first). Of the record, the rule id, the rule
+    // description and the exception flag are read but not reported. A count above the
+    // sheet's capacity is cut at its last row, 1,048,576.
+    static bool exportExcelByTsTopology(const QString& path, VyObjects::TsTopology* topology);
+
+    // Writes the rows of table whose column-0 check box is ticked (checked or partially
+    // checked) to a new workbook at path (replacing any file there): the translated
+    // header "Standard description", "Related field", "Related parameter", "Error
+    // description" in A1 to D1, then the displayed texts of columns 0 to 3 of each ticked
+    // row, one workbook row each from row 2 without gaps; every cell centred and
+    // bordered, columns A to I 40 wide. Only column 0's check box counts.
+    //
+    // Returns true whatever the save gives, and false, writing nothing, for a null
+    // table. A row without an item in column 0 has no check box and counts as unticked;
+    // a missing item in columns 1 to 3 of a ticked row is written as an empty (bordered)
+    // text, as the widget shows it. Ticked rows beyond the sheet's last row are dropped.
+    static bool exportExcelByTableWidget(const QString& path, QTableWidget* table);
+
+    // Looks up the elevations of points in an elevation model and writes them to a new
+    // workbook at path (replacing any file there). points holds (x, y) pairs of decimal
+    // texts in the raster's coordinate system; a pair with an empty member is a heading,
+    // written as its joined texts in column A, that restarts the point numbering at 1.
+    // Each point gets a row: its number in its group (A), "x,y" with four decimals (B),
+    // and its elevation with four decimals (C), or the translated "Not within the range
+    // of Dem data!" when it lies outside the raster's extent (edges count as inside).
+    // B1 and C1 hold the translated "XYCoordinate" and "Elevation info"; A1 stays empty.
+    // Every cell is a centred, bordered text cell. Columns B and C get the width of
+    // their longest figure text plus 10, counting points inside the extent only. A text
+    // that is not a number reads as 0. Returns the result of the save.
+    //
+    // Returns false, writing nothing, for a null raster and for more pairs than a sheet
+    // has rows below the header (1,048,575). The raster's reference is released before
+    // the function returns.
+    // - An unpaired last entry of an odd-length list is a heading whose partner is
+    //   missing: its text is written, never dropped.
+    // - Negative elevations, no-data values below 0 and NaN are written as 0.0000.
+    // - A point on the maximum-x or minimum-y edge reads the last column or row (the
+    //   cell that edge closes), not the no-data cell one past it; a raster without a
+    //   cell size reads its first cell.
+    // - The pixel block comes counted: one block is asked for at the first point inside
+    //   the extent, refilled for every point, and freed by its last release when the
+    //   function returns. A raster that gives no block makes its points read as outside
+    //   the range.
+    static bool saveQueryElevationOutputFile(const QString& path, QStringList points,
+                                             VyObjects::TsRefPtr<VyObjects::TsRasterProps> raster);
 
     // --- Reading workbooks and files back --------------------------------------------
     //
@@ -325,78 +324,78 @@ public:
     // a used range that does not end in column B.
     static bool readTransactionTemplateFile(const QString& path, QMap<QString, QString>& pairs);
 
-    // --- Check and analysis reports ---------------------------------------------------
-
-    // Writes check errors, flattened into consecutive (error type, layer count, layer
-    // name) triples, below the header "Error Type", "Layer Count", "Layer Name" (centred
-    // and bordered) in columns A to C of the workbook at path: triple k goes to row
-    // k + 2 as plain text cells. The workbook is opened first, so its other sheets,
-    // cells and formats are saved back with the list; a path without a workbook (no
-    // file, or a file that is not a workbook) starts a new one there. Returns the result
-    // of the save, which leaves the file as it was when it fails.
+    // --- Field template workbooks -----------------------------------------------------
     //
-    // Returns false, touching no file, when the list is empty, its length is not a
-    // multiple of 3, or it holds more triples than a sheet has rows below the header
-    // (1,048,575); and when the workbook's active sheet is a chart sheet, which has no
-    // cells to receive the list.
-    static bool exportErrorTable(QStringList errors, QString path);
-
-    // Writes the errors of a finished topology or attribute check to a new workbook at
-    // path (replacing any file there): the translated header "Error type", "Status",
-    // "Number", "Layer", "Notes", "Feature 1", "Feature 2", "coordinate", "Related
-    // layer" in row 1 and error n in row n + 2, every cell centred and bordered, columns
-    // A to I 40 wide. Numbers are text cells. Column A holds the error type only for an
-    // attribute check; "Status" is left without cells for the user; "Notes" is empty;
-    // "Feature 1" shows the feature id when above 0; "Feature 2" the related feature id
-    // when above 0 and not the same feature on the same layer.
+    // A field template workbook describes the tables of a data template, one field per
+    // row below the header "TableName", "FieldsName", "FieldsType", "FieldsLenth" (so
+    // spelled), "Precision" in columns A to E. A table name workbook lists table names
+    // below "TableName" in column A. Both are read from the workbook's current (active)
+    // sheet. Field rows pass through a QStringList flattened, five entries per row in
+    // column order. Every cell is text here: values are taken as the cell gives them
+    // (a number as its QVariant text), never trimmed, converted or compared ignoring
+    // case; a cell that is not stored reads as the empty text.
     //
-    // Returns true whatever the save gives, and false, writing nothing, for a null
-    // topology. A record that cannot be read repeats the values of the record before it
-    // (zeros and empty texts for the first). Of the record, the rule id, the rule
-    // description and the exception flag are read but not reported. A count above the
-    // sheet's capacity is cut at its last row, 1,048,576.
-    static bool exportExcelByTsTopology(const QString& path, VyObjects::TsTopology* topology);
+    // The readers that check the template header accept a sheet only when A1 to E1 hold
+    // exactly the five header texts, exactly five columns are in use (a cell stored in
+    // column F, even an empty one, fails the check) and at least one row follows the
+    // header. Readers never save. Every reader returns the empty list for a path without
+    // a file (creating nothing), a file that is not a workbook, or a workbook whose
+    // current sheet is a chart sheet (decided: a chart sheet holds no template, so it
+    // reads like the other failures).
 
-    // Writes the rows of table whose column-0 check box is ticked (checked or partially
-    // checked) to a new workbook at path (replacing any file there): the translated
-    // header "Standard description", "Related field", "Related parameter", "Error
-    // description" in A1 to D1, then the displayed texts of columns 0 to 3 of each ticked
-    // row, one workbook row each from row 2 without gaps; every cell centred and
-    // bordered, columns A to I 40 wide. Only column 0's check box counts.
-    //
-    // Returns true whatever the save gives, and false, writing nothing, for a null
-    // table. A row without an item in column 0 has no check box and counts as unticked;
-    // a missing item in columns 1 to 3 of a ticked row is written as an empty (bordered)
-    // text, as the widget shows it. Ticked rows beyond the sheet's last row are dropped.
-    static bool exportExcelByTableWidget(const QString& path, QTableWidget* table);
+    // The texts of column A from row 2 to the last used row, one per row in row order,
+    // empty ones and repeats included (a field template workbook gives one name per
+    // field row). Only A1 is checked: it must be stored and hold exactly "TableName".
+    static QStringList readFieldsTemplateTableName(QString path);
 
-    // Looks up the elevations of points in an elevation model and writes them to a new
-    // workbook at path (replacing any file there). points holds (x, y) pairs of decimal
-    // texts in the raster's coordinate system; a pair with an empty member is a heading,
-    // written as its joined texts in column A, that restarts the point numbering at 1.
-    // Each point gets a row: its number in its group (A), "x,y" with four decimals (B),
-    // and its elevation with four decimals (C), or the translated "Not within the range
-    // of Dem data!" when it lies outside the raster's extent (edges count as inside).
-    // B1 and C1 hold the translated "XYCoordinate" and "Elevation info"; A1 stays empty.
-    // Every cell is a centred, bordered text cell. Columns B and C get the width of
-    // their longest figure text plus 10, counting points inside the extent only. A text
-    // that is not a number reads as 0. Returns the result of the save.
+    // The field rows of tableName (exact, case-sensitive match of column A), in row
+    // order wherever they stand in the sheet, four entries per row: columns B to E.
+    // An empty tableName selects the rows without a name. Empty list when the header
+    // check fails or no row matches.
+    static QStringList readFieldsTemplateTableContent(QString tableName, QString path);
+
+    // As readFieldsTemplateTableContent, but five entries per row, column A included:
+    // the shape updateFieldsTemplateTableContent writes back.
+    static QStringList readFieldsTemplateTableContent1(QString tableName, QString path);
+
+    // Every field row, five entries each, from row 2 to the last used row; a row
+    // without cells gives five empty entries. Empty list when the header check fails.
+    static QStringList getImportTemplateTable(QString path);
+
+    // The table names in column A, one per run of consecutive equal names, in row order
+    // (a table whose rows stand in two runs is listed twice; names differing in case are
+    // two tables). The scan stops at the first row without a stored A cell. A leading
+    // run of empty names is not listed; an empty run after a named one is. Empty list
+    // when the header check fails.
+    static QStringList getImportTemplateTableName(QString path);
+
+    // Replaces the field template workbook at path by the header row and content,
+    // flattened five entries per row from row 2, as plain text cells (default format).
+    // A trailing group of fewer than five entries is dropped. The file is first reset
+    // with clearExcel, so the workbook is left with the single worksheet "Sheet1".
     //
-    // Returns false, writing nothing, for a null raster and for more pairs than a sheet
-    // has rows below the header (1,048,575). The raster's reference is released before
-    // the function returns.
-    // - An unpaired last entry of an odd-length list is a heading whose partner is
-    //   missing: its text is written, never dropped.
-    // - Negative elevations, no-data values below 0 and NaN are written as 0.0000.
-    // - A point on the maximum-x or minimum-y edge reads the last column or row (the
-    //   cell that edge closes), not the no-data cell one past it; a raster without a
-    //   cell size reads its first cell.
-    // - The pixel block comes counted: one block is asked for at the first point inside
-    //   the extent, refilled for every point, and freed by its last release when the
-    //   function returns. A raster that gives no block makes its points read as outside
-    //   the range.
-    static bool saveQueryElevationOutputFile(const QString& path, QStringList points,
-                                             VyObjects::TsRefPtr<VyObjects::TsRasterProps> raster);
+    // Returns false, touching nothing, when no file exists at path (none is created);
+    // false for an empty content, after the reset: the file is then an empty workbook
+    // without a header (the caller asked for no fields). Otherwise true, whether or not
+    // the save succeeded.
+    //
+    // Nothing else loses the template: the save is atomic, and if it fails after the
+    // reset had deleted the file, the file's earlier bytes are written back (where they
+    // could be read; files above 256 MiB, which are no templates, are not kept for
+    // this). When the reset cannot delete the file (another program holds it open), the
+    // header and rows are written over the existing current worksheet, whose other
+    // cells stay, and saved if the file allows it. Decided: if in that case the current
+    // sheet is a chart sheet, there is no worksheet to write to; the file is left
+    // untouched and the result is false.
+    static bool updateFieldsTemplateTableContent(QStringList content, QString path);
+
+    // Replaces the table name workbook at path by "TableName" in A1 and tableNames from
+    // A2 down, as plain text cells; an empty list leaves the header alone. Nothing is
+    // done when no file exists at path. The reset, the save and their failures are as
+    // for updateFieldsTemplateTableContent; when the reset cannot delete the file, the
+    // names go below the last used row of its current worksheet, and a chart sheet as
+    // current sheet leaves the file untouched (decided, as there).
+    static void updateTemplateName(QString path, QStringList tableNames);
 };
 
 class VYGISUTIL_EXPORT VyUniversalFunction
