@@ -108,15 +108,18 @@ QVariant Worksheet::read(int row, int column) const
         return {};
     if (!cell->isDateTime())
         return cell->value();
-    const QDateTime dateTime = cell->dateTime();
-    if (!dateTime.isValid())
-        return cell->value();
     const double serial = detail::CellAccess::number(*cell);
+    QDate date;
+    QTime time;
+    if (!detail::splitSerial(serial, m_book->date1904, &date, &time))
+        return cell->value();
+    // Only a date with a time of day needs a QDateTime, whose local time zone lookups
+    // are by far the dearest part of reading a date column.
     if (serial >= 0 && serial < 1)
-        return dateTime.time();
-    if (dateTime.time() == QTime(0, 0))
-        return dateTime.date();
-    return dateTime;
+        return time;
+    if (time == QTime(0, 0))
+        return date;
+    return cell->dateTime();
 }
 
 QVariant Worksheet::read(const CellReference& cell) const

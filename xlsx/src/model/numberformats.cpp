@@ -179,10 +179,10 @@ double toSerial(const QDateTime& dateTime, bool date1904)
     return toSerial(dateTime.date(), date1904) + toSerial(dateTime.time());
 }
 
-QDateTime fromSerial(double serial, bool date1904)
+bool splitSerial(double serial, bool date1904, QDate* date, QTime* time)
 {
     if (!std::isfinite(serial) || std::fabs(serial) >= kMaxSerial)
-        return {};
+        return false;
     // Rounding the whole serial to the millisecond first lets 0.99999999 become the next
     // midnight rather than 23:59:59.999.
     const qint64 ms = std::llround(serial * double(kMsPerDay));
@@ -192,9 +192,18 @@ QDateTime fromSerial(double serial, bool date1904)
         msOfDay += kMsPerDay;
         --days;
     }
-    QDate epoch = date1904 ? epoch1904() : (days >= 60 ? epoch1900() : epoch1900Early());
-    const QDate date = epoch.addDays(days);
-    const QTime time = QTime::fromMSecsSinceStartOfDay(int(msOfDay));
+    const QDate epoch = date1904 ? epoch1904() : (days >= 60 ? epoch1900() : epoch1900Early());
+    *date = epoch.addDays(days);
+    *time = QTime::fromMSecsSinceStartOfDay(int(msOfDay));
+    return date->isValid();
+}
+
+QDateTime fromSerial(double serial, bool date1904)
+{
+    QDate date;
+    QTime time;
+    if (!splitSerial(serial, date1904, &date, &time))
+        return {};
     QDateTime local(date, time);
     // A workbook's times have no zone. Local time is what callers compare with, but a
     // wall clock time that local time skips (a daylight saving gap) would be moved; UTC

@@ -25,5 +25,8 @@ double toSerial(const QDateTime& dateTime, bool date1904);
 double toSerial(const QDate& date, bool date1904);
 double toSerial(const QTime& time);
 QDateTime fromSerial(double serial, bool date1904);
+// The date and the time of day of a serial, without the time zone work a local
+// QDateTime costs; false for serials outside the dates a workbook can hold.
+bool splitSerial(double serial, bool date1904, QDate* date, QTime* time);
 
 } // namespace QXlsx::detail
