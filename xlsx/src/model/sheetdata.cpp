@@ -35,8 +35,27 @@ bool isDefault(const ColumnRecord& c)
 
 } // namespace
 
+namespace {
+
+// Sorted unique keys without gaps put key k at k - first: where a sheet is dense, as
+// most are, one look finds it without a search. Nothing is remembered between calls,
+// so readers on several threads stay safe.
+template <typename Records, typename Key>
+auto* densePosition(Records& records, int key, Key keyOf)
+{
+    using Record = std::remove_reference_t<decltype(records[0])>;
+    if (records.empty() || key < keyOf(records.front()))
+        return static_cast<Record*>(nullptr);
+    const size_t at = size_t(key - keyOf(records.front()));
+    return at < records.size() && keyOf(records[at]) == key ? &records[at] : nullptr;
+}
+
+} // namespace
+
 RowRecord* SheetData::findRow(int row)
 {
+    if (RowRecord* dense = densePosition(rows, row, [](const RowRecord& r) { return r.row; }))
+        return dense;
     if (!rows.empty() && rows.back().row == row)
         return &rows.back();
     auto it = lowerBoundRow(rows, row);
@@ -82,6 +101,8 @@ Cell* SheetData::findCell(int row, int column)
     if (!r)
         return nullptr;
     std::vector<Cell>& cells = r->cells;
+    if (Cell* dense = densePosition(cells, column, [](const Cell& c) { return c.column(); }))
+        return dense;
     if (!cells.empty() && cells.back().column() == column)
         return &cells.back();
     auto it = lowerBoundCell(cells, column);

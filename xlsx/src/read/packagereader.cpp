@@ -131,7 +131,8 @@ private:
     QString m_problem;
     QString m_workbookPart;
     std::vector<Relationship> m_sheetRelationships;
-    std::vector<quint32> m_sharedStrings;
+    quint32 m_firstString = 0;
+    quint32 m_stringCount = 0;
     std::vector<quint32> m_styles;
     QString m_stylesPart;
     QString m_sharedStringsPart;
@@ -234,7 +235,8 @@ void PackageReader::readSharedStrings()
     QString problem;
     if (!scanPart(m_zip, index, reader, &problem))
         note(problem);
-    m_sharedStrings = std::move(reader.indexes);
+    m_firstString = reader.first;
+    m_stringCount = reader.count;
 }
 
 void PackageReader::readSheet(const SheetEntry& entry)
@@ -263,7 +265,7 @@ void PackageReader::readSheet(const SheetEntry& entry)
 
     QString problem;
     if (type == AbstractSheet::ST_WorkSheet) {
-        WorksheetReader reader(m_book, *sheet, CellIndexes{&m_sharedStrings, &m_styles});
+        WorksheetReader reader(m_book, *sheet, CellIndexes{m_firstString, m_stringCount, &m_styles});
         if (!scanPart(m_zip, index, reader, &problem))
             note(problem);
     } else if (!readPart(m_zip, index, &sheet->rawPart, &problem)) {

@@ -7,7 +7,10 @@
 
 namespace QXlsx::detail {
 
-SharedStringsReader::SharedStringsReader(StringPool& pool) : m_pool(pool), m_scanner(*this) {}
+SharedStringsReader::SharedStringsReader(StringPool& pool)
+    : first(pool.count()), m_pool(pool), m_scanner(*this)
+{
+}
 
 void SharedStringsReader::startElement(const ScannedTag& tag)
 {
@@ -28,13 +31,12 @@ void SharedStringsReader::startElement(const ScannedTag& tag)
         m_rich = false;
     } else if (tag.name == "sst") {
         // The count is only a hint; a bounded reservation saves regrowing a big table
-        // (and the fresh pages each regrowth touches).
+        // (and the fresh pages each regrowth touches). A lying count costs at most
+        // 128 MiB of address space, whose pages are only touched as entries come.
         if (const std::string_view* unique = tag.value("uniqueCount")) {
-            quint32 count = 0;
-            std::from_chars(unique->data(), unique->data() + unique->size(), count);
-            count = qMin<quint32>(count, 1u << 22);
-            indexes.reserve(count);
-            m_pool.reserve(m_pool.count() + count);
+            quint32 expected = 0;
+            std::from_chars(unique->data(), unique->data() + unique->size(), expected);
+            m_pool.reserve(m_pool.count() + qMin<quint32>(expected, 1u << 24));
         }
     }
 }
@@ -82,9 +84,10 @@ void SharedStringsReader::endElement(std::string_view name, std::string_view qua
         m_collecting = false;
         decodeEscapes(m_plain);
         if (m_rich)
-            indexes.push_back(m_pool.addRich(QString::fromStdString(m_plain), m_runsXml));
+            m_pool.addRich(QString::fromStdString(m_plain), m_runsXml);
         else
-            indexes.push_back(m_pool.append(m_plain.data(), int(m_plain.size())));
+            m_pool.append(m_plain.data(), int(m_plain.size()));
+        ++count;
     }
 }
 

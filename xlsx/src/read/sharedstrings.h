@@ -11,8 +11,9 @@ namespace QXlsx::detail {
 
 class StringPool;
 
-// Reads the shared string table into the pool as the part inflates. indexes maps the
-// file's string indexes to pool entries.
+// Reads the shared string table into the pool as the part inflates. Every entry becomes
+// the next pool entry, so the file's index i is pool entry first + i: no table maps
+// one to the other.
 //
 // <si> holds a plain <t>, or runs <r> of formatted <t> texts; phonetic guides (<rPh>,
 // <phoneticPr>) follow. Cells show the texts of <t> and the runs joined; an entry with
@@ -22,7 +23,8 @@ class SharedStringsReader : public ScanHandler
 public:
     explicit SharedStringsReader(StringPool& pool);
 
-    std::vector<quint32> indexes;
+    quint32 first = 0;   // the pool entry of the file's first string
+    quint32 count = 0;   // strings read
 
     bool feed(const char* data, size_t size) { return m_scanner.feed(data, size); }
     bool finish() { return m_scanner.finish(); }

@@ -351,8 +351,8 @@ void SheetDataReader::setValue(std::string_view text)
         text = trimmed(text);
         quint64 index = 0;
         const auto result = std::from_chars(text.data(), text.data() + text.size(), index);
-        if (result.ec == std::errc() && m_indexes.sharedStrings && index < m_indexes.sharedStrings->size())
-            CellAccess::setString(cell, (*m_indexes.sharedStrings)[size_t(index)]);
+        if (result.ec == std::errc() && index < m_indexes.stringCount)
+            CellAccess::setString(cell, m_indexes.firstString + quint32(index));
         break;
     }
     case 'b':

@@ -18,11 +18,12 @@ class SheetData;
 class WorkbookData;
 struct RowRecord;
 
-// The index tables a worksheet's cells refer through: the file's shared string
-// indexes and style indexes, mapped to the workbook's pool and style table.
+// What a worksheet's cells refer through: the file's shared strings, pool entries
+// firstString onwards, and its style indexes mapped to the workbook's style table.
 struct CellIndexes
 {
-    const std::vector<quint32>* sharedStrings = nullptr;
+    quint32 firstString = 0;
+    quint32 stringCount = 0;
     const std::vector<quint32>* styles = nullptr;
 };
 

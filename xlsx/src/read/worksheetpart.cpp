@@ -68,12 +68,13 @@ void WorksheetHandler::startElement(XmlReader& reader, std::string_view name, co
 }
 
 // The extent a writer noted is only a hint, but reserving by it spares regrowing the
-// rows of a big sheet, within a bound a lying file cannot turn into much memory.
+// rows of a big sheet. The grid bounds it; a lying extent costs address space whose
+// pages are only touched as rows come.
 void WorksheetHandler::reserveRows(const char* ref)
 {
     const CellRange range(QString::fromUtf8(ref ? ref : ""));
     if (range.isValid() && m_sheet.rows.empty())
-        m_sheet.rows.reserve(size_t(qMin(range.rowCount(), 1 << 18)));
+        m_sheet.rows.reserve(size_t(qMin(range.rowCount(), MaxRows)));
 }
 
 void WorksheetHandler::startColumn(const XmlAttributes& attributes)

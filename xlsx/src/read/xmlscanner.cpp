@@ -9,7 +9,30 @@ namespace QXlsx::detail {
 
 namespace {
 
-bool isSpace(char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; }
+// Character classes by table: the scanner asks these once or twice per byte.
+enum : quint8 { Space = 1, NameStop = 2, TextSpecial = 4, ValueSpecial = 8 };
+
+struct CharClasses
+{
+    quint8 of[256] = {};
+    constexpr CharClasses()
+    {
+        for (char c : {' ', '\n', '\t', '\r'})
+            of[quint8(c)] |= Space | NameStop | (c == ' ' ? 0 : ValueSpecial);
+        for (char c : {'/', '>', '='})
+            of[quint8(c)] |= NameStop;
+        // Text ends at "<"; "&" and "\r" mean it needs resolving. Values end at a quote
+        // and may not hold "<".
+        for (char c : {'<', '&', '\r'})
+            of[quint8(c)] |= TextSpecial | ValueSpecial;
+        for (char c : {'"', '\''})
+            of[quint8(c)] |= ValueSpecial;
+    }
+};
+constexpr CharClasses Classes;
+
+inline bool is(char c, quint8 kind) { return Classes.of[quint8(c)] & kind; }
+inline bool isSpace(char c) { return is(c, Space); }
 
 bool isNameStart(char c)
 {
@@ -17,14 +40,14 @@ bool isNameStart(char c)
 }
 
 // Where a name ends: at white space, "/", ">" or "=" (or the end of the buffer).
-const char* nameEnd(const char* p, const char* end)
+inline const char* nameEnd(const char* p, const char* end)
 {
-    while (p < end && !isSpace(*p) && *p != '/' && *p != '>' && *p != '=')
+    while (p < end && !is(*p, NameStop))
         ++p;
     return p;
 }
 
-const char* skipSpace(const char* p, const char* end)
+inline const char* skipSpace(const char* p, const char* end)
 {
     while (p < end && isSpace(*p))
         ++p;
@@ -183,11 +206,16 @@ size_t XmlScanner::scan(const char* data, size_t size)
 
 size_t XmlScanner::scanText(const char* p, const char* end)
 {
-    const void* lt = std::memchr(p, '<', size_t(end - p));
-    if (!lt)
+    // Texts between tags are mostly a few bytes: a plain loop beats memchr, and notes
+    // on the way whether there is anything to resolve.
+    const char* lt = p;
+    bool plain = true;
+    for (; lt < end && *lt != '<'; ++lt)
+        plain = plain && !is(*lt, TextSpecial);
+    if (lt == end)
         return 0;   // text ends at markup, which has not come yet
-    const std::string_view raw(p, size_t(static_cast<const char*>(lt) - p));
-    if (!needsDecoding(raw, false)) {
+    const std::string_view raw(p, size_t(lt - p));
+    if (plain) {
         m_handler.text(raw, raw);
         return raw.size();
     }
@@ -260,6 +288,8 @@ size_t XmlScanner::scanStartTag(const char* p, const char* end)
     // the whole tag is there.
     m_attributes.clear();
     bool selfClosing = false;
+    bool resolve = false;        // a value holds references or white space to normalise
+    bool declarations = false;   // an attribute may declare a namespace
     for (;;) {
         p = skipSpace(p, end);
         if (p == end)
@@ -301,31 +331,39 @@ size_t XmlScanner::scanStartTag(const char* p, const char* end)
             fail("malformed attribute");
             return 0;
         }
-        const void* close = std::memchr(p + 1, quote, size_t(end - p - 1));
-        if (!close)
-            return 0;
-        const std::string_view value(p + 1, size_t(static_cast<const char*>(close) - p - 1));
-        if (value.find('<') != std::string_view::npos) {
-            fail("malformed attribute");
-            return 0;
+        const char* close = p + 1;
+        for (; close < end && *close != quote; ++close) {
+            if (is(*close, ValueSpecial)) {
+                if (*close == '<') {
+                    fail("malformed attribute");
+                    return 0;
+                }
+                if (*close != '"' && *close != '\'')
+                    resolve = true;
+            }
         }
-        m_attributes.push_back({name, value});
-        p = static_cast<const char*>(close) + 1;
+        if (close == end)
+            return 0;
+        declarations = declarations || (name.size() >= 5 && name[0] == 'x');
+        m_attributes.push_back({name, std::string_view(p + 1, size_t(close - p - 1))});
+        p = close + 1;
     }
     if (m_depth == 0 && m_rootEnded) {
         fail("content after the root element");
         return 0;
     }
 
-    m_values.clear();
-    m_values.reserve(size_t(p - start));   // resolving never lengthens a value: no moves
-    for (ScannedAttribute& attribute : m_attributes) {
-        if (!needsDecoding(attribute.value, true))
-            continue;
-        const size_t from = m_values.size();
-        if (!decodeText(attribute.value, true, m_values))
-            return 0;
-        attribute.value = std::string_view(m_values.data() + from, m_values.size() - from);
+    if (resolve) {
+        m_values.clear();
+        m_values.reserve(size_t(p - start));   // resolving never lengthens a value: no moves
+        for (ScannedAttribute& attribute : m_attributes) {
+            if (!needsDecoding(attribute.value, true))
+                continue;
+            const size_t from = m_values.size();
+            if (!decodeText(attribute.value, true, m_values))
+                return 0;
+            attribute.value = std::string_view(m_values.data() + from, m_values.size() - from);
+        }
     }
 
     ScannedTag tag;
@@ -336,7 +374,8 @@ size_t XmlScanner::scanStartTag(const char* p, const char* end)
     tag.attributeCount = int(m_attributes.size());
     tag.selfClosing = selfClosing;
     ++m_depth;
-    noteDeclarations();
+    if (declarations)
+        noteDeclarations();
     m_handler.startElement(tag);
     if (selfClosing) {
         m_handler.endElement(tag.name, qualifiedName, std::string_view());
@@ -361,10 +400,11 @@ void XmlScanner::noteDeclarations()
 
 size_t XmlScanner::scanEndTag(const char* p, const char* end)
 {
-    const void* close = std::memchr(p + 2, '>', size_t(end - p - 2));
-    if (!close)
+    const char* closeAt = p + 2;
+    while (closeAt < end && *closeAt != '>')
+        ++closeAt;
+    if (closeAt == end)
         return 0;
-    const char* closeAt = static_cast<const char*>(close);
     const char* nameStop = nameEnd(p + 2, closeAt);
     if (nameStop == p + 2 || skipSpace(nameStop, closeAt) != closeAt || m_depth == 0) {
         fail("malformed end tag");
