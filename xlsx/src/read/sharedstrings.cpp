@@ -18,7 +18,6 @@ void SharedStringsReader::startElement(const ScannedTag& tag)
         m_capture.start(tag);
         if (m_captureHeard && tag.name == "t") {
             m_collecting = true;
-            m_text.clear();
         }
         return;
     }
@@ -50,7 +49,6 @@ void SharedStringsReader::startInItem(const ScannedTag& tag)
     const bool lateText = name == "t" && m_rich && m_scanner.depth() == m_itemDepth + 1;
     if (name == "t" && !lateText) {
         m_collecting = true;
-        m_text.clear();
     }
     if (!run && !phonetic && !lateText)
         return;
@@ -62,7 +60,6 @@ void SharedStringsReader::startInItem(const ScannedTag& tag)
     m_capture.begin(tag, m_scanner);
     if (lateText) {
         m_collecting = true;
-        m_text.clear();
     }
 }
 
@@ -77,7 +74,6 @@ void SharedStringsReader::endElement(std::string_view name, std::string_view qua
     if (m_itemDepth == 0)
         return;
     if (name == "t" && m_collecting) {
-        m_plain.append(m_text);
         m_collecting = false;
     } else if (name == "si" && m_scanner.depth() == m_itemDepth) {
         m_itemDepth = 0;
@@ -99,7 +95,7 @@ void SharedStringsReader::text(std::string_view text, std::string_view)
             return;
     }
     if (m_collecting)
-        m_text.append(text);
+        m_plain.append(text);
 }
 
 // An entry turned out rich after a plain <t>: its XML starts with that text, as read.

@@ -40,14 +40,13 @@ private:
 
     StringPool& m_pool;
     XmlScanner m_scanner;
-    std::string m_plain;          // the entry's text as cells show it
-    std::string m_text;           // the <t> being read
+    std::string m_plain;          // the entry's text as cells show it, <t> by <t>
     QByteArray m_runsXml;
     ElementCapture m_capture;     // a run, a phonetic guide, or a <t> after runs
     bool m_captureHeard = false;  // whether the captured element's texts are shown
     int m_itemDepth = 0;          // of the <si> being read, 0 outside one
     bool m_rich = false;
-    bool m_collecting = false;
+    bool m_collecting = false;    // inside a <t> that cells show
 };
 
 } // namespace QXlsx::detail

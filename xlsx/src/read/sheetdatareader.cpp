@@ -139,10 +139,13 @@ char cellType(const std::string_view* t)
     return 'n';
 }
 
-std::string_view localPart(std::string_view qualifiedName)
+// Names are a few bytes: a loop beats the library search this runs for every tag.
+inline std::string_view localPart(std::string_view qualifiedName)
 {
-    const size_t colon = qualifiedName.find(':');
-    return colon == std::string_view::npos ? qualifiedName : qualifiedName.substr(colon + 1);
+    for (size_t i = 0; i < qualifiedName.size(); ++i)
+        if (qualifiedName[i] == ':')
+            return qualifiedName.substr(i + 1);
+    return qualifiedName;
 }
 
 // Attributes a record does not model are kept as read.

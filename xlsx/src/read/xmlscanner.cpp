@@ -54,10 +54,13 @@ inline const char* skipSpace(const char* p, const char* end)
     return p;
 }
 
-std::string_view localPart(std::string_view qualifiedName)
+// Names are a few bytes: a loop beats the library search this runs for every tag.
+inline std::string_view localPart(std::string_view qualifiedName)
 {
-    const size_t colon = qualifiedName.find(':');
-    return colon == std::string_view::npos ? qualifiedName : qualifiedName.substr(colon + 1);
+    for (size_t i = 0; i < qualifiedName.size(); ++i)
+        if (qualifiedName[i] == ':')
+            return qualifiedName.substr(i + 1);
+    return qualifiedName;
 }
 
 // Text with nothing to resolve is handed over where it lies.
