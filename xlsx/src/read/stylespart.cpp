@@ -1,6 +1,7 @@
 #include "read/stylespart.h"
 
 #include "model/numberformats.h"
+#include "model/stylenames.h"
 #include "model/styletable.h"
 #include "read/workbookpart.h"
 
@@ -26,18 +27,6 @@ quint8 enumValue(const char* value, const char* const (&names)[N], quint8 fallba
             return quint8(i);
     return fallback;
 }
-
-const char* const BorderStyles[] = {
-    "none", "thin", "medium", "dashed", "dotted", "thick", "double", "hair", "mediumDashed",
-    "dashDot", "mediumDashDot", "dashDotDot", "mediumDashDotDot", "slantDashDot"};
-const char* const Patterns[] = {
-    "none", "solid", "mediumGray", "darkGray", "lightGray", "darkHorizontal", "darkVertical",
-    "darkDown", "darkUp", "darkGrid", "darkTrellis", "lightHorizontal", "lightVertical",
-    "lightDown", "lightUp", "lightGrid", "lightTrellis", "gray125", "gray0625"};
-const char* const HorizontalAlignments[] = {
-    "general", "left", "center", "right", "fill", "justify", "centerContinuous", "distributed"};
-const char* const VerticalAlignments[] = {"top", "center", "bottom", "justify", "distributed"};
-const char* const Underlines[] = {"none", "single", "double", "singleAccounting", "doubleAccounting"};
 
 int intValue(const char* value, int fallback = 0)
 {

@@ -2,6 +2,7 @@
 
 #include "model/formatprivate.h"
 #include "model/numberformats.h"
+#include "model/stylenames.h"
 #include "model/styletable.h"
 #include "rawxml.h"
 #include "xmlsink.h"
@@ -20,18 +21,6 @@ constexpr std::initializer_list<const char*> StylesOrder = {
     "tableStyles", "colors", "extLst"};
 enum Rank { RankNumFmts, RankFonts, RankFills, RankBorders, RankCellStyleXfs, RankCellXfs,
             RankCellStyles };
-
-const char* const BorderStyles[] = {
-    "none", "thin", "medium", "dashed", "dotted", "thick", "double", "hair", "mediumDashed",
-    "dashDot", "mediumDashDot", "dashDotDot", "mediumDashDotDot", "slantDashDot"};
-const char* const Patterns[] = {
-    "none", "solid", "mediumGray", "darkGray", "lightGray", "darkHorizontal", "darkVertical",
-    "darkDown", "darkUp", "darkGrid", "darkTrellis", "lightHorizontal", "lightVertical",
-    "lightDown", "lightUp", "lightGrid", "lightTrellis", "gray125", "gray0625"};
-const char* const Horizontal[] = {
-    "general", "left", "center", "right", "fill", "justify", "centerContinuous", "distributed"};
-const char* const Vertical[] = {"top", "center", "bottom", "justify", "distributed"};
-const char* const Underlines[] = {"none", "single", "double", "singleAccounting", "doubleAccounting"};
 
 template<size_t N>
 const char* nameOf(const char* const (&names)[N], int value)
@@ -187,9 +176,9 @@ QByteArray alignmentElement(const FormatPrivate& f)
 {
     QByteArray attributes;
     if (f.horizontal != Format::AlignHGeneral)
-        attributes += QByteArray(" horizontal=\"") + nameOf(Horizontal, f.horizontal) + '"';
+        attributes += QByteArray(" horizontal=\"") + nameOf(HorizontalAlignments, f.horizontal) + '"';
     if (f.vertical != Format::AlignBottom)
-        attributes += QByteArray(" vertical=\"") + nameOf(Vertical, f.vertical) + '"';
+        attributes += QByteArray(" vertical=\"") + nameOf(VerticalAlignments, f.vertical) + '"';
     if (f.rotation != 0)
         attributes += " textRotation=\"" + QByteArray::number(f.rotation) + '"';
     if (f.wrap)
