@@ -3,6 +3,7 @@
 // Shared by the export tests: a fixture that gives each test a folder and fails it when a
 // host object or reference outlives it, and a reader of what a user sees in the workbook.
 
+#include "test_reference_balance.h"
 #include "tsbase.h"
 #include "xlsxdocument.h"
 
@@ -18,20 +19,9 @@ inline void PrintTo(const QString& text, std::ostream* out)
     *out << '"' << text.toStdString() << '"';
 }
 
-class ExportTest : public ::testing::Test
+class ExportTest : public ReferenceBalanceTest
 {
 protected:
-    void SetUp() override
-    {
-        m_objects = VyObjects::TsRefBase::LiveObjectCount();
-        m_references = VyObjects::TsRefBase::OutstandingReferenceCount();
-    }
-    void TearDown() override
-    {
-        EXPECT_EQ(VyObjects::TsRefBase::LiveObjectCount(), m_objects) << "objects leaked";
-        EXPECT_EQ(VyObjects::TsRefBase::OutstandingReferenceCount(), m_references);
-    }
-
     QString path(const QString& name = QStringLiteral("export.xlsx")) const
     {
         return m_dir.filePath(name);
@@ -53,8 +43,6 @@ protected:
 
 private:
     QTemporaryDir m_dir;
-    long long m_objects = 0;
-    long long m_references = 0;
 };
 
 // The sheet of a saved export as a user looks at it.

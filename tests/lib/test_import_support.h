@@ -3,6 +3,7 @@
 // Shared by the import tests: a folder per test, workbooks written with the engine or
 // by other programs, and a closer for the message box an import may show.
 
+#include "test_reference_balance.h"
 #include "tsbase.h"
 #include "xlsxdocument.h"
 
@@ -70,20 +71,9 @@ private:
     QList<ShownMessage> m_shown;
 };
 
-class ImportTest : public ::testing::Test
+class ImportTest : public ReferenceBalanceTest
 {
 protected:
-    void SetUp() override
-    {
-        m_objects = VyObjects::TsRefBase::LiveObjectCount();
-        m_references = VyObjects::TsRefBase::OutstandingReferenceCount();
-    }
-    void TearDown() override
-    {
-        EXPECT_EQ(VyObjects::TsRefBase::LiveObjectCount(), m_objects) << "objects leaked";
-        EXPECT_EQ(VyObjects::TsRefBase::OutstandingReferenceCount(), m_references);
-    }
-
     QString path(const QString& name = QStringLiteral("import.xlsx")) const
     {
         return m_dir.filePath(name);
@@ -153,8 +143,6 @@ private:
 
     QTemporaryDir m_dir;
     QString m_skip;
-    long long m_objects = 0;
-    long long m_references = 0;
 };
 
 } // namespace importtest
