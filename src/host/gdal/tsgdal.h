@@ -1,0 +1,174 @@
+#ifndef VYGIS_TSGDAL_H
+#define VYGIS_TSGDAL_H
+
+// Host objects over files that GDAL reads and writes: feature layers and
+// tables over OGR layers, raster properties over raster bands, maps over all
+// the layers of a data source.
+//
+//     QString error;
+//     auto source = TsGdalDataSource::open("parcels.gpkg", TsGdalDataSource::Update, &error);
+//     if (!source)
+//         return fail(error);               // names the file and what is wrong
+//     TsRefPtr<TsFeatureLayer> parcels = source->featureLayer("parcels", &error);
+//
+// Every object keeps its data source open for as long as it lives. Errors are
+// handed back as text; nothing is printed.
+
+#include "tsfeaturelayer.h"
+#include "tsmap.h"
+#include "tsraster.h"
+#include "tstable.h"
+#include "vygisgdal_export.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+#include <vector>
+
+namespace VyObjects {
+
+class TsGdalFeatureWriter;
+class TsGdalLayerState;
+
+// One field of a layer created from code.
+struct TsGdalFieldDefinition
+{
+    QString name;
+    TsField::FieldType type = TsField::StringField;
+    QString aliasName;       // kept where the format has alternative names
+    unsigned precision = 0;  // decimals of a floating field
+};
+
+// An opened GDAL data source (vector or raster), counted like the other host objects.
+class VYGIS_GDAL_EXPORT TsGdalDataSource : public TsRefBase
+{
+public:
+    enum OpenMode { ReadOnly, Update };
+
+    // Null, with *error naming the file and the problem, when path does not
+    // exist, no driver reads it, or it cannot be opened in mode.
+    static TsRefPtr<TsGdalDataSource> open(const QString& path, OpenMode mode, QString* error);
+    // A new, empty vector data source opened for update. The driver follows
+    // the suffix (.gpkg, .shp, .csv, .geojson or .json) unless driverName
+    // names a GDAL driver. Refuses to replace an existing file.
+    static TsRefPtr<TsGdalDataSource> create(const QString& path, QString* error,
+                                             const QString& driverName = QString());
+    // Writes a one-band raster of doubles spread evenly over extent, values
+    // row by row from the top (maximum y), as a GeoTIFF unless driverName
+    // names another GDAL driver that can create files. Refuses to replace an
+    // existing file.
+    static bool createRaster(const QString& path, const TsRect& extent, int columns, int rows,
+                             const std::vector<double>& values, double noDataValue,
+                             QString* error, const QString& driverName = QString());
+
+    QString path() const;
+    QString driverName() const;
+    OpenMode openMode() const { return m_mode; }
+    QStringList layerNames() const;
+    int rasterBandCount() const;
+
+    // A layer by name (the first layer when name is empty); null with *error
+    // set when the layer is missing or is not spatial / not a table.
+    TsRefPtr<TsFeatureLayer> featureLayer(const QString& name, QString* error) const;
+    TsRefPtr<TsTable> table(const QString& name, QString* error) const;
+    // A band of a raster data source (1-based).
+    TsRefPtr<TsRasterProps> raster(int band, QString* error) const;
+    // All the data source's layers as a map: spatial layers as feature
+    // layers, attribute-only layers as feature layers of type TableLayer and
+    // each raster band as a RasterLayer named after the file and the band.
+    TsRefPtr<TsMap> map() const;
+
+    // Adds a layer to a source opened for update. PointLayer makes points
+    // with heights, LineLayer lines, PolygonLayer polygons, TableLayer a
+    // layer without geometry (where the format has such layers).
+    bool createLayer(const QString& name, TsLayer::LayerType type,
+                     const std::vector<TsGdalFieldDefinition>& fields, QString* error);
+    // Appends features to a layer inside one transaction; see TsGdalFeatureWriter.
+    TsRefPtr<TsGdalFeatureWriter> featureWriter(const QString& layerName, QString* error);
+
+    // Internal to the provider: the GDAL dataset (a GDALDataset*) and the
+    // bookkeeping shared by the objects over its layers.
+    void* dataset() const { return m_dataset; }
+    TsGdalLayerState& layerState() const { return *m_state; }
+
+protected:
+    ~TsGdalDataSource() override;
+
+private:
+    TsGdalDataSource(void* dataset, const QString& path, OpenMode mode);
+
+    void* m_dataset;
+    QString m_path;
+    OpenMode m_mode;
+    std::unique_ptr<TsGdalLayerState> m_state;
+};
+
+// A feature layer over one OGR layer of a data source. Cursors read features
+// from the file as they are asked for. Edit operations are transactions of
+// the data source where the driver has them; elsewhere the layer keeps the
+// old values and writes them back when the operation is aborted.
+class VYGIS_GDAL_EXPORT TsGdalFeatureLayer : public TsFeatureLayer
+{
+public:
+    class Private;
+
+    TsRefPtr<TsGdalDataSource> dataSource() const;
+    void SetQueryFilter(const TsQueryFilter& filter);
+    bool IsReadOnly() const;
+    bool IsInOperation() const;
+    // The reason the last refused call failed, naming the file.
+    QString errorString() const;
+
+    TsQueryFilter query_filter() const override;
+    TsRefPtr<TsFields> GetFields() const override;
+    TsRefPtr<TsField> FindField(const TsString& name) const override;
+    TsRefPtr<TsFeatureCursor> GetFeatureCursor(const TsQueryFilter& filter) override;
+    bool Search(const TsQueryFilter& filter, std::vector<int>& ids) override;
+    TsRefPtr<TsFeature> GetFeature(int id) override;
+    bool StartOperation(TsEditor* editor) override;
+    TsRefPtr<TsLayerEditBuffer> layer_edit_buffer() override;
+    bool CommitOperation() override;
+    bool AbortOperation() override;
+
+protected:
+    ~TsGdalFeatureLayer() override;
+
+private:
+    friend class TsGdalDataSource;
+    friend class TsGdalEditBuffer;
+    TsGdalFeatureLayer(const TsString& name, LayerType type, std::unique_ptr<Private> d);
+
+    std::unique_ptr<Private> d;
+};
+
+// Appends features to one layer of a data source inside one transaction of
+// the data source, for loading many features quickly. Nothing is kept
+// unless commit() succeeds where the driver has transactions; without them
+// the features are written as they are added.
+class VYGIS_GDAL_EXPORT TsGdalFeatureWriter : public TsRefBase
+{
+public:
+    class Private;
+
+    // values[i] goes to field i, converted to its type (a value that does
+    // not fit is stored as null). Returns the new feature's id, or -1 with
+    // errorString() set.
+    int addFeature(const std::vector<TsVariant>& values,
+                   const TsRefPtr<TsGeometry>& geometry = TsRefPtr<TsGeometry>());
+    bool commit(QString* error);
+    QString errorString() const;
+
+protected:
+    ~TsGdalFeatureWriter() override;   // rolls back what was not committed
+
+private:
+    friend class TsGdalDataSource;
+    explicit TsGdalFeatureWriter(std::unique_ptr<Private> d);
+
+    std::unique_ptr<Private> d;
+};
+
+} // namespace VyObjects
+
+#endif // VYGIS_TSGDAL_H
