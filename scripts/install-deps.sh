@@ -14,6 +14,8 @@ packages=(
 )
 case "${1:-}" in
   --bench) packages+=(libxlsxwriter-dev python3-xlsxwriter gdal-bin libbenchmark-dev valgrind) ;;
+  # libFuzzer and the sanitizer runtimes come with clang.
+  --fuzz) packages+=(clang-14 libclang-rt-14-dev) ;;
 esac
 
 missing=()
