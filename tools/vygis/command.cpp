@@ -6,7 +6,10 @@
 
 const QList<Command>& commands()
 {
-    static const QList<Command> all{demoCommand(), dumpCommand(), createCommand(), clearCommand()};
+    static const QList<Command> all{
+        demoCommand(),   dumpCommand(),     createCommand(),   clearCommand(),
+        coordsCommand(), rulesCommand(),    pairsCommand(),    templateCommand(),
+        errorsCommand(), topologyCommand(), dxfCodepageCommand()};
     return all;
 }
 

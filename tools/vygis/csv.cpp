@@ -1,5 +1,10 @@
 #include "csv.h"
 
+#include <QFile>
+#include <QTextStream>
+
+#include <cstdio>
+
 namespace {
 
 QString csvField(const QString& field)
@@ -22,4 +27,63 @@ QString csvLine(const QStringList& fields)
     for (const QString& field : fields)
         quoted.append(csvField(field));
     return quoted.join(QLatin1Char(','));
+}
+
+std::vector<QStringList> parseCsv(const QString& text)
+{
+    std::vector<QStringList> records;
+    QStringList record;
+    QString field;
+    bool quoted = false;
+    bool recordStarted = false;
+    for (int i = 0; i < text.size(); ++i) {
+        const QChar c = text[i];
+        if (quoted) {
+            if (c == QLatin1Char('"') && i + 1 < text.size() && text[i + 1] == QLatin1Char('"'))
+                field.append(text[++i]);
+            else if (c == QLatin1Char('"'))
+                quoted = false;
+            else
+                field.append(c);
+            continue;
+        }
+        recordStarted = true;
+        if (c == QLatin1Char('"')) {
+            quoted = true;
+        } else if (c == QLatin1Char(',')) {
+            record.append(field);
+            field.clear();
+        } else if (c == QLatin1Char('\n') || c == QLatin1Char('\r')) {
+            if (c == QLatin1Char('\r') && i + 1 < text.size() && text[i + 1] == QLatin1Char('\n'))
+                ++i;
+            record.append(field);
+            records.push_back(record);
+            record.clear();
+            field.clear();
+            recordStarted = false;
+        } else {
+            field.append(c);
+        }
+    }
+    if (recordStarted) {
+        record.append(field);
+        records.push_back(record);
+    }
+    return records;
+}
+
+bool readCsvFile(const QString& path, std::vector<QStringList>& records, QString* error)
+{
+    QFile file;
+    const bool opened = path == QStringLiteral("-")
+        ? file.open(stdin, QIODevice::ReadOnly | QIODevice::Text)
+        : (file.setFileName(path), file.open(QIODevice::ReadOnly | QIODevice::Text));
+    if (!opened) {
+        *error = QStringLiteral("%1: cannot be read (%2)").arg(path, file.errorString());
+        return false;
+    }
+    QTextStream in(&file);
+    in.setCodec("UTF-8");
+    records = parseCsv(in.readAll());
+    return true;
 }

@@ -3,5 +3,16 @@
 #include <QString>
 #include <QStringList>
 
+#include <vector>
+
 // One CSV line: fields quoted where they hold a comma, a quote or a line break.
 QString csvLine(const QStringList& fields);
+
+// The records of a CSV text: fields split at commas, quoted fields may hold commas,
+// doubled quotes and line breaks. Line ends are "\n" or "\r\n"; a last empty line
+// gives no record.
+std::vector<QStringList> parseCsv(const QString& text);
+
+// Reads the CSV file at path ("-" for standard input) as UTF-8. False, with a message
+// in error, when it cannot be read.
+bool readCsvFile(const QString& path, std::vector<QStringList>& records, QString* error);

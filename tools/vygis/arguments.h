@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QMap>
+#include <QSet>
+#include <QString>
+#include <QStringList>
+
+// The options a subcommand understands: switches ("--alias"), options that take one
+// value each time they are given ("--map H=F", repeatable), and options that take every
+// following argument up to the next option ("--columns X Y Z NAME").
+struct OptionSyntax
+{
+    QStringList switches;
+    QStringList valued;
+    QStringList lists;
+    int minPositional = 0;
+    int maxPositional = 0;
+};
+
+// A subcommand's arguments sorted into positional ones and options.
+class Arguments
+{
+public:
+    // Sorts arguments by syntax. On wrong usage prints a message naming the command and
+    // returns false.
+    bool parse(const QString& command, const QStringList& arguments, const OptionSyntax& syntax);
+
+    const QStringList& positional() const { return m_positional; }
+    QString positional(int index) const { return m_positional.value(index); }
+    bool isSet(const QString& option) const;
+    // Every value given to a valued or list option, in order.
+    QStringList values(const QString& option) const { return m_values.value(option); }
+
+private:
+    QStringList m_positional;
+    QSet<QString> m_switches;
+    QMap<QString, QStringList> m_values;
+};
+
+// Prints "vygis COMMAND: TEXT; see 'vygis COMMAND --help'" and gives the usage status.
+int usageError(const QString& command, const QString& text);
+// Prints "vygis COMMAND: TEXT" and gives the failure status.
+int failure(const QString& command, const QString& text);
