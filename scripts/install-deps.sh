@@ -9,11 +9,13 @@ packages=(
   # libzip's CMake package checks that its command-line tools are there.
   zipcmp zipmerge ziptool
   googletest libgtest-dev
+  # The GDAL provider of the host classes, its tests and the demo's sample files.
+  libgdal-dev gdal-bin
   # Real readers and writers the tests check the workbooks against.
   python3 python3-openpyxl libreoffice-calc-nogui
 )
 case "${1:-}" in
-  --bench) packages+=(libxlsxwriter-dev python3-xlsxwriter gdal-bin libbenchmark-dev valgrind) ;;
+  --bench) packages+=(libxlsxwriter-dev python3-xlsxwriter libbenchmark-dev valgrind) ;;
   # libFuzzer and the sanitizer runtimes come with clang.
   --fuzz) packages+=(clang-14 libclang-rt-14-dev) ;;
 esac

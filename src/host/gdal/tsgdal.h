@@ -26,6 +26,8 @@
 #include <memory>
 #include <vector>
 
+class GDALDataset;
+
 namespace VyObjects {
 
 class TsGdalFeatureWriter;
@@ -74,9 +76,9 @@ public:
     TsRefPtr<TsTable> table(const QString& name, QString* error) const;
     // A band of a raster data source (1-based).
     TsRefPtr<TsRasterProps> raster(int band, QString* error) const;
-    // All the data source's layers as a map: spatial layers as feature
-    // layers, attribute-only layers as feature layers of type TableLayer and
-    // each raster band as a RasterLayer named after the file and the band.
+    // All the data source's layers as a map, in the source's order: spatial
+    // layers as feature layers, attribute-only layers as feature layers of
+    // type TableLayer, and a raster as one RasterLayer named after the file.
     TsRefPtr<TsMap> map() const;
 
     // Adds a layer to a source opened for update. PointLayer makes points
@@ -87,18 +89,18 @@ public:
     // Appends features to a layer inside one transaction; see TsGdalFeatureWriter.
     TsRefPtr<TsGdalFeatureWriter> featureWriter(const QString& layerName, QString* error);
 
-    // Internal to the provider: the GDAL dataset (a GDALDataset*) and the
-    // bookkeeping shared by the objects over its layers.
-    void* dataset() const { return m_dataset; }
+    // Internal to the provider: the GDAL dataset and the bookkeeping shared
+    // by the objects over its layers.
+    GDALDataset* dataset() const { return m_dataset; }
     TsGdalLayerState& layerState() const { return *m_state; }
 
 protected:
     ~TsGdalDataSource() override;
 
 private:
-    TsGdalDataSource(void* dataset, const QString& path, OpenMode mode);
+    TsGdalDataSource(GDALDataset* dataset, const QString& path, OpenMode mode);
 
-    void* m_dataset;
+    GDALDataset* m_dataset;
     QString m_path;
     OpenMode m_mode;
     std::unique_ptr<TsGdalLayerState> m_state;
@@ -131,13 +133,14 @@ public:
     bool CommitOperation() override;
     bool AbortOperation() override;
 
+    // Made by TsGdalDataSource.
+    TsGdalFeatureLayer(const TsString& name, LayerType type, std::unique_ptr<Private> d);
+
 protected:
     ~TsGdalFeatureLayer() override;
 
 private:
-    friend class TsGdalDataSource;
     friend class TsGdalEditBuffer;
-    TsGdalFeatureLayer(const TsString& name, LayerType type, std::unique_ptr<Private> d);
 
     std::unique_ptr<Private> d;
 };
@@ -159,12 +162,13 @@ public:
     bool commit(QString* error);
     QString errorString() const;
 
+    // Made by TsGdalDataSource.
+    explicit TsGdalFeatureWriter(std::unique_ptr<Private> d);
+
 protected:
     ~TsGdalFeatureWriter() override;   // rolls back what was not committed
 
 private:
-    friend class TsGdalDataSource;
-    explicit TsGdalFeatureWriter(std::unique_ptr<Private> d);
 
     std::unique_ptr<Private> d;
 };

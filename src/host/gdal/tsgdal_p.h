@@ -1,0 +1,273 @@
+#ifndef VYGIS_TSGDAL_P_H
+#define VYGIS_TSGDAL_P_H
+
+// Internal to the GDAL provider.
+
+#include "tsgdal.h"
+
+#include <gdal_priv.h>
+#include <ogrsf_frmts.h>
+
+#include <QByteArray>
+#include <QFileInfo>
+#include <QHash>
+
+#include <cstdint>
+#include <map>
+#include <unordered_map>
+
+namespace VyObjects {
+
+// --- Text -------------------------------------------------------------------
+
+// GDAL speaks UTF-8 (file names included, also on Windows), the object
+// library UTF-16.
+inline QString qText(const char* utf8) { return QString::fromUtf8(utf8 ? utf8 : ""); }
+inline QString qText(const TsString& text)
+{
+    const std::u16string& utf16 = text.utf16();
+    return QString::fromUtf16(utf16.data(), static_cast<int>(utf16.size()));
+}
+inline TsString tsText(const QString& text)
+{
+    return TsString(std::u16string(reinterpret_cast<const char16_t*>(text.utf16()),
+                                   static_cast<std::size_t>(text.size())));
+}
+inline TsString tsText(const char* utf8) { return TsString(utf8 ? utf8 : ""); }
+
+// --- Errors -----------------------------------------------------------------
+
+// Makes sure GDAL's drivers are registered, once per process.
+void registerGdalDrivers();
+
+// While alive, GDAL's messages on this thread are collected here instead of
+// being printed: the provider hands errors back as text.
+class TsGdalErrorTrap
+{
+public:
+    TsGdalErrorTrap();
+    ~TsGdalErrorTrap();
+    TsGdalErrorTrap(const TsGdalErrorTrap&) = delete;
+    TsGdalErrorTrap& operator=(const TsGdalErrorTrap&) = delete;
+
+    // The last failure GDAL reported, empty when there was none.
+    QString lastError() const { return m_lastError; }
+    // ": <last failure>", or nothing, to end a message with GDAL's reason.
+    QString reason() const;
+
+private:
+    static void CPL_STDCALL collect(CPLErr level, CPLErrorNum number, const char* message);
+
+    QString m_lastError;
+};
+
+inline void setError(QString* error, const QString& message)
+{
+    if (error)
+        *error = message;
+}
+
+// --- Bookkeeping shared by the objects over one data source ----------------
+
+class TsGdalLayerState
+{
+public:
+    // An OGR layer reads one sequence of features at a time. Each reader
+    // claims the layer; a reader that finds its claim taken starts its
+    // sequence again and skips what it had read.
+    std::uint64_t newReader() { return ++m_lastReader; }
+    bool isReading(const OGRLayer* layer, std::uint64_t reader) const;
+    void setReading(const OGRLayer* layer, std::uint64_t reader) { m_readers[layer] = reader; }
+    void interruptReading(const OGRLayer* layer) { m_readers.erase(layer); }
+    void interruptAllReading() { m_readers.clear(); }
+
+    // The one edit operation or feature writer open on the data source, since
+    // a transaction spans all its layers.
+    const void* operationOwner() const { return m_operationOwner; }
+    void setOperationOwner(const void* owner) { m_operationOwner = owner; }
+
+private:
+    std::uint64_t m_lastReader = 0;
+    std::unordered_map<const OGRLayer*, std::uint64_t> m_readers;
+    const void* m_operationOwner = nullptr;
+};
+
+// A data source's transaction, or, where the driver has none, a note of it.
+// start() answers false only when the driver has transactions and refused one.
+class TsGdalTransaction
+{
+public:
+    explicit TsGdalTransaction(GDALDataset& dataset) : m_dataset(dataset) {}
+    bool start(QString* reason);
+    bool isNative() const { return m_native; }
+    bool commit(QString* reason);
+    void rollback();
+
+private:
+    GDALDataset& m_dataset;
+    bool m_native = false;
+};
+
+// --- Fields, values and geometries ------------------------------------------
+
+TsLayer::LayerType layerTypeOf(OGRwkbGeometryType type);
+TsField::FieldType fieldTypeOf(const OGRFieldDefn& field);
+
+// The host fields of an OGR layer, one per attribute field in OGR's order,
+// so a host field index is the OGR field index. aliases by field name fill
+// in the alternative names GDAL itself does not read.
+TsRefPtr<TsFields> readFields(OGRFeatureDefn& definition, const QHash<QString, QString>& aliases);
+
+TsVariant readValue(const OGRFeature& feature, int index, TsField::FieldType type);
+std::vector<TsVariant> readValues(const OGRFeature& feature, const TsFields& fields);
+// value has already been converted to the field's host type.
+void writeValue(OGRFeature& feature, int index, const TsVariant& value);
+
+// Null for a missing geometry or one the host has no form for.
+TsRefPtr<TsGeometry> readGeometry(const OGRGeometry* geometry);
+// Null when the host geometry does not fit the layer's geometry type.
+std::unique_ptr<OGRGeometry> makeGeometry(const TsGeometry& geometry, OGRwkbGeometryType layerType);
+
+// A feature as the host sees it; id -1 for an FID beyond the host's ids.
+TsRefPtr<TsFeature> makeFeature(const OGRFeature& feature, const TsRefPtr<TsFields>& fields);
+
+// The host fields of a layer of source, aliases included.
+TsRefPtr<TsFields> fieldsOfLayer(const TsGdalDataSource& source, OGRLayer& layer);
+
+// Alternative names kept in a GeoPackage's data columns table, by column.
+QHash<QString, QString> readGeoPackageAliases(GDALDataset& dataset, const QString& table);
+bool writeGeoPackageAliases(GDALDataset& dataset, const QString& table,
+                            const std::vector<TsGdalFieldDefinition>& fields, QString* reason);
+
+// --- Filters ----------------------------------------------------------------
+
+// A host query filter split into what OGR evaluates (the where clause
+// rewritten as an OGR attribute filter, where the types let OGR compare as
+// the host does) and what is evaluated here (other clauses, the predicate).
+class TsGdalFilter
+{
+public:
+    // False, with *error, when the where clause cannot be read or names a
+    // field the layer does not have.
+    bool prepare(const TsQueryFilter& filter, const TsFields& fields,
+                 const OGRFeatureDefn& definition, QString* error);
+
+    // Empty when OGR is given no attribute filter.
+    const QByteArray& ogrClause() const { return m_ogrClause; }
+    // For a clause OGR refused: compare here instead.
+    void evaluateHere();
+    // Whether features must be read in full to be admitted.
+    bool needsValues() const { return m_hasCondition || static_cast<bool>(m_predicate); }
+    bool admits(const TsRow& row) const;
+
+private:
+    enum Operator { Equal, NotEqual, Less, LessOrEqual, Greater, GreaterOrEqual, IsNull, IsNotNull };
+
+    bool parse(const QString& clause);
+    bool canTranslate(TsField::FieldType type, OGRFieldType ogrType) const;
+    QByteArray translate(const QString& fieldName) const;
+    bool admitsValue(const TsVariant& value) const;
+    bool holds(int comparison) const;
+
+    Operator m_operator = Equal;
+    QString m_fieldName;
+    int m_fieldIndex = -1;
+    bool m_numeric = false;
+    double m_number = 0.0;
+    TsString m_text;
+    bool m_hasCondition = false;   // compared here
+    QByteArray m_ogrClause;
+    TsQueryFilter::Predicate m_predicate;
+};
+
+// --- Reading ----------------------------------------------------------------
+
+// Streams the admitted features of an OGR layer, one GetNextFeature at a time.
+class TsGdalFeatureReader
+{
+public:
+    TsGdalFeatureReader(const TsRefPtr<TsGdalDataSource>& source, OGRLayer* layer,
+                        const TsRefPtr<TsFields>& fields, TsGdalFilter filter);
+    // Null once every admitted feature has been handed out.
+    TsRefPtr<TsFeature> next();
+
+private:
+    void restart();
+
+    TsRefPtr<TsGdalDataSource> m_source;
+    OGRLayer* m_layer;
+    TsRefPtr<TsFields> m_fields;
+    TsGdalFilter m_filter;
+    std::uint64_t m_reader;
+    long long m_consumed = 0;
+    bool m_finished = false;
+};
+
+// The ids of the admitted features, in the layer's order.
+bool searchIds(const TsRefPtr<TsGdalDataSource>& source, OGRLayer* layer,
+               const TsRefPtr<TsFields>& fields, TsGdalFilter filter, std::vector<int>& ids);
+
+class TsGdalFeatureCursor : public TsFeatureCursor
+{
+public:
+    explicit TsGdalFeatureCursor(std::unique_ptr<TsGdalFeatureReader> reader)
+        : m_reader(std::move(reader)) {}
+    TsRefPtr<TsFeature> NextFeature() override { return m_reader->next(); }
+
+private:
+    std::unique_ptr<TsGdalFeatureReader> m_reader;
+};
+
+// --- Objects behind the public classes -------------------------------------
+
+class TsGdalFeatureLayer::Private
+{
+public:
+    Private(const TsRefPtr<TsGdalDataSource>& source, OGRLayer* layer, const TsRefPtr<TsFields>& fields);
+    ~Private();
+
+    QString where() const;
+    bool fail(const QString& message);
+    bool prepare(const TsQueryFilter& filter, TsGdalFilter& prepared);
+
+    bool start();
+    bool commit();
+    bool abort();
+    bool changeAttribute(int featureId, const TsString& field, const TsVariant& value, bool strict);
+
+    TsRefPtr<TsGdalDataSource> source;
+    OGRLayer* layer;
+    TsRefPtr<TsFields> fields;
+    TsQueryFilter filter;
+    QString error;
+
+private:
+    OGRFeature* featureToEdit(int featureId);
+    bool write(OGRFeature& feature);
+    void undo();
+    void close();
+
+    std::unique_ptr<TsGdalTransaction> m_transaction;
+    bool m_writeFailed = false;
+    QString m_writeError;
+    // Without a transaction, the features as they were before the operation
+    // first changed them.
+    std::map<GIntBig, OGRFeatureUniquePtr> m_originals;
+    // The feature edited last: a join changes several fields of one feature
+    // in a row, which then costs one read.
+    OGRFeatureUniquePtr m_editing;
+};
+
+// Raw layer handles behind the data source's public calls.
+TsRefPtr<TsGdalFeatureLayer> makeGdalFeatureLayer(const TsRefPtr<TsGdalDataSource>& source,
+                                                  OGRLayer* layer);
+TsRefPtr<TsTable> makeGdalTable(const TsRefPtr<TsGdalDataSource>& source, OGRLayer* layer);
+// Null with *error for a band the source does not have or a rotated grid.
+TsRefPtr<TsRasterProps> makeGdalRaster(const TsRefPtr<TsGdalDataSource>& source, int band,
+                                       QString* error);
+TsRefPtr<TsGdalFeatureWriter> makeGdalFeatureWriter(const TsRefPtr<TsGdalDataSource>& source,
+                                                    OGRLayer* layer, QString* error);
+
+} // namespace VyObjects
+
+#endif // VYGIS_TSGDAL_P_H
