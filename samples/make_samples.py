@@ -144,9 +144,9 @@ def write_check_rules():
 
 
 def write_boundary():
-    # A rough outline around Paris, typed as number, X, Y: the numbers are left out.
+    # A rough outline around Paris, typed as X, Y pairs without a header.
     outline = [(2.22, 48.82), (2.47, 48.82), (2.47, 48.91), (2.22, 48.91)]
-    book, _ = sheet_with([["No.", "X", "Y"]] + [[i + 1, x, y] for i, (x, y) in enumerate(outline)])
+    book, _ = sheet_with([list(point) for point in outline], bold_first=False)
     save(book, "paris-outline.xlsx")
 
 

@@ -1,12 +1,9 @@
 #include "command.h"
-#include "csv.h"
-#include "vygisutil.h"
+#include "demo.h"
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
-#include <QTextStream>
 
 namespace {
 
@@ -22,28 +19,9 @@ QString findSamples(const QString& given)
     return QStringLiteral(VYGIS_SAMPLES_DIR);
 }
 
-bool writeCsv(const std::vector<QStringList>& rows, const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text))
-        return false;
-    QTextStream out(&file);
-    out.setCodec("UTF-8");
-    for (const QStringList& row : rows)
-        out << csvLine(row) << '\n';
-    return true;
-}
-
-// A step of the demo: what it made, and what the file holds.
-void report(const QDir& out, const QString& file, const QString& holds)
-{
-    printLine(QStringLiteral("  %1\n      %2").arg(out.filePath(file), holds));
-}
-
 int runDemo(const QString& samples, const QString& output)
 {
-    const QString cities = samples + QStringLiteral("/cities.xlsx");
-    if (!QFileInfo(cities).isFile()) {
+    if (!QFileInfo(samples + QStringLiteral("/cities.xlsx")).isFile()) {
         printError(QStringLiteral("vygis demo: sample data not found in %1").arg(samples));
         return ExitFailure;
     }
@@ -55,29 +33,22 @@ int runDemo(const QString& samples, const QString& output)
     printLine(QStringLiteral("vygis demo: sample data from %1").arg(QDir(samples).absolutePath()));
     printLine(QStringLiteral("Output in %1:").arg(out.absolutePath()));
 
-    std::vector<QStringList> rows;
-    VyExcelUtil::getExcelData(cities, rows);
-    if (rows.empty() || !writeCsv(rows, out.filePath(QStringLiteral("cities.csv")))) {
-        printError(QStringLiteral("vygis demo: could not read %1").arg(cities));
+    DemoRun run(samples, out);
+    const QList<QPair<QString, void (*)(DemoRun&)>> sections{
+        {QStringLiteral("Workbooks and files"), runWorkbookSteps},
+        {QStringLiteral("Reading workbooks"), runReaderSteps},
+        {QStringLiteral("Field templates"), runTemplateSteps},
+        {QStringLiteral("Reports"), runReportSteps}};
+    for (const auto& section : sections) {
+        printLine(QStringLiteral("\n%1:").arg(section.first));
+        section.second(run);
+    }
+    if (run.failures() > 0) {
+        printError(QStringLiteral("vygis demo: %1 step(s) failed").arg(run.failures()));
         return ExitFailure;
     }
-    report(out, QStringLiteral("cities.csv"),
-           QStringLiteral("the sheet of cities.xlsx read whole: %1 rows of %2 columns (%3)")
-               .arg(rows.size()).arg(rows.front().size()).arg(rows.front().join(QStringLiteral(", "))));
-
-    const QString blank = out.filePath(QStringLiteral("blank.xlsx"));
-    QFile::remove(blank);
-    VyExcelUtil::createExcel(blank);
-    report(out, QStringLiteral("blank.xlsx"), QStringLiteral("a new workbook with one empty sheet \"Sheet1\""));
-
-    const QString cleared = out.filePath(QStringLiteral("cleared.xlsx"));
-    QFile::remove(cleared);
-    QFile::copy(cities, cleared);
-    const bool wasCleared = VyExcelUtil::clearExcel(cleared);
-    report(out, QStringLiteral("cleared.xlsx"),
-           wasCleared ? QStringLiteral("a copy of cities.xlsx reset to one empty sheet")
-                      : QStringLiteral("could not be reset"));
-    return wasCleared ? ExitSuccess : ExitFailure;
+    printLine(QStringLiteral("\nEvery step succeeded."));
+    return ExitSuccess;
 }
 
 } // namespace

@@ -87,3 +87,16 @@ bool readCsvFile(const QString& path, std::vector<QStringList>& records, QString
     records = parseCsv(in.readAll());
     return true;
 }
+
+bool writeCsvFile(const QString& path, const std::vector<QStringList>& rows)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text))
+        return false;
+    QTextStream out(&file);
+    out.setCodec("UTF-8");
+    for (const QStringList& row : rows)
+        out << csvLine(row) << '\n';
+    out.flush();
+    return file.error() == QFile::NoError;
+}

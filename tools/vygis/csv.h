@@ -16,3 +16,6 @@ std::vector<QStringList> parseCsv(const QString& text);
 // Reads the CSV file at path ("-" for standard input) as UTF-8. False, with a message
 // in error, when it cannot be read.
 bool readCsvFile(const QString& path, std::vector<QStringList>& records, QString* error);
+
+// Writes rows to a CSV file at path as UTF-8, replacing it; false when it cannot.
+bool writeCsvFile(const QString& path, const std::vector<QStringList>& rows);

@@ -1,5 +1,7 @@
 #include "topologyjson.h"
 
+#include "hosttext.h"
+
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -11,12 +13,6 @@
 using namespace VyObjects;
 
 namespace {
-
-TsString tsText(const QString& text)
-{
-    return TsString(std::u16string(reinterpret_cast<const char16_t*>(text.utf16()),
-                                   static_cast<std::size_t>(text.size())));
-}
 
 // Reads the members of one error; the first problem goes to problem.
 class ErrorReader
