@@ -2,8 +2,10 @@
 
 #include <QIODevice>
 
+#include <libdeflate.h>
 #include <zlib.h>
 
+#include <algorithm>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
@@ -28,13 +30,11 @@ constexpr quint16 VersionZip64 = 45;
 constexpr quint64 Max32 = 0xFFFFFFFFu;
 constexpr quint64 Max16 = 0xFFFFu;
 
-constexpr int OutputBufferSize = 256 * 1024;
-// Bytes handed to the worker at once, and how many such pieces may wait: enough to keep
-// both threads busy, little enough to keep memory flat whatever the part size.
-constexpr size_t PieceSize = 256 * 1024;
-constexpr size_t MaxQueuedPieces = 4;
-
-enum JobKind { BeginJob, DataJob, EndJob, FinishJob, StopJob };
+// Bytes deflated as one piece: large enough that restarting the window costs under 1% of
+// the compressed size, small enough that a few pieces in flight keep memory flat.
+constexpr size_t PieceSize = 512 * 1024;
+// An empty fixed-Huffman block with the final bit set: the end of every entry's stream.
+constexpr char FinalBlock[2] = {0x03, 0x00};
 
 // Little-endian fields appended to a record under construction.
 void le16(QByteArray& b, quint64 v)
@@ -55,55 +55,128 @@ void le64(QByteArray& b, quint64 v)
     le32(b, v >> 32);
 }
 
+int compressorCount()
+{
+    return int(std::clamp(std::thread::hardware_concurrency(), 1u, 4u));
+}
+
 } // namespace
 
-struct ZipWriter::Deflater
+// What the archive holds next, in file order. Data pieces are deflated by a compressor;
+// the others are ready at once and written by the caller's thread when their turn comes.
+struct ZipWriter::Piece
 {
-    z_stream stream {};
+    enum Kind { Begin, Data, End, Finish } kind = Data;
+    QByteArray name;                // Begin
+    std::vector<char> input;        // Data: the bytes as given
+    std::vector<char> output;       // Data: deflated, ending with a sync flush
+    quint32 crc = 0;                // Data: CRC-32 of input
+    bool failed = false;
     bool ready = false;
 };
 
-struct ZipWriter::Pipeline
+struct ZipWriter::Compressors
 {
-    struct Job
-    {
-        int kind = DataJob;
-        QByteArray name;
-        std::vector<char> data;
-    };
+    explicit Compressors(int deflateLevel) : level(deflateLevel) {}
 
+    int level;
     std::mutex mutex;
     std::condition_variable changed;
-    std::deque<Job> queue;
-    std::vector<std::vector<char>> spare;   // used piece buffers, for reuse
-    QString error;                          // the worker's first failure
-    bool failed = false;
-    bool done = false;
-    std::thread worker;
+    std::deque<std::unique_ptr<Piece>> order;   // submitted, not yet written, in file order
+    std::deque<Piece*> todo;                    // data pieces no compressor has taken
+    std::vector<std::vector<char>> spare;       // buffers of written pieces, for reuse
+    std::vector<std::thread> threads;
+    bool stopping = false;
+
+    void start(int count)
+    {
+        for (int i = 0; i < count; ++i)
+            threads.emplace_back([this] { run(); });
+    }
+
+    void run()
+    {
+        z_stream z {};
+        const bool ok = deflateInit2(&z, level, Z_DEFLATED, -MAX_WBITS, 8, Z_DEFAULT_STRATEGY) == Z_OK;
+        std::unique_lock<std::mutex> lock(mutex);
+        for (;;) {
+            changed.wait(lock, [&] { return stopping || !todo.empty(); });
+            if (todo.empty())
+                break;
+            Piece* piece = todo.front();
+            todo.pop_front();
+            lock.unlock();
+            if (ok)
+                deflatePiece(z, *piece);
+            else
+                piece->failed = true;
+            lock.lock();
+            piece->ready = true;
+            changed.notify_all();
+        }
+        lock.unlock();
+        if (ok)
+            deflateEnd(&z);
+    }
+
+    std::vector<char> takeSpare()
+    {
+        std::vector<char> buffer;
+        std::lock_guard<std::mutex> lock(mutex);
+        if (!spare.empty()) {
+            buffer.swap(spare.back());
+            spare.pop_back();
+        }
+        return buffer;
+    }
+
+    ~Compressors()
+    {
+        {
+            std::lock_guard<std::mutex> lock(mutex);
+            stopping = true;
+            todo.clear();
+        }
+        changed.notify_all();
+        for (std::thread& t : threads)
+            t.join();
+    }
 };
 
-ZipWriter::ZipWriter(QIODevice& device, int level)
-    : m_device(device), m_deflater(std::make_unique<Deflater>()),
-      m_pipeline(std::make_unique<Pipeline>()), m_out(OutputBufferSize)
+// Deflates one piece into a raw deflate sequence of non-final blocks.
+void ZipWriter::deflatePiece(z_stream& z, Piece& piece)
 {
-    // Raw deflate (negative window bits): a zip entry carries no zlib header or trailer.
-    if (deflateInit2(&m_deflater->stream, level, Z_DEFLATED, -MAX_WBITS, 8,
-                     Z_DEFAULT_STRATEGY) == Z_OK)
-        m_deflater->ready = true;
-    else
-        fail(QStringLiteral("cannot start the compressor"));
+    piece.crc = quint32(libdeflate_crc32(0, piece.input.data(), piece.input.size()));
+    deflateReset(&z);
+    // The bound covers the data; the sync flush adds an empty stored block of 5 bytes.
+    piece.output.resize(deflateBound(&z, uLong(piece.input.size())) + 16);
+    z.next_in = reinterpret_cast<Bytef*>(piece.input.data());
+    z.avail_in = uInt(piece.input.size());
+    z.next_out = reinterpret_cast<Bytef*>(piece.output.data());
+    z.avail_out = uInt(piece.output.size());
+    for (;;) {
+        const int rc = deflate(&z, Z_SYNC_FLUSH);
+        if (rc == Z_STREAM_ERROR) {
+            piece.failed = true;
+            return;
+        }
+        if (z.avail_in == 0 && z.avail_out != 0)
+            break;
+        const size_t used = piece.output.size() - z.avail_out;
+        piece.output.resize(piece.output.size() * 2);
+        z.next_out = reinterpret_cast<Bytef*>(piece.output.data() + used);
+        z.avail_out = uInt(piece.output.size() - used);
+    }
+    piece.output.resize(piece.output.size() - z.avail_out);
+}
+
+ZipWriter::ZipWriter(QIODevice& device, int level)
+    : m_device(device), m_level(level), m_compressors(std::make_unique<Compressors>(level))
+{
     setTimestamp(QDateTime::currentDateTime());
 }
 
-ZipWriter::~ZipWriter()
-{
-    if (m_pipeline->worker.joinable()) {
-        post(StopJob);
-        m_pipeline->worker.join();
-    }
-    if (m_deflater->ready)
-        deflateEnd(&m_deflater->stream);
-}
+ZipWriter::~ZipWriter() = default;
 
 void ZipWriter::setTimestamp(const QDateTime& time)
 {
@@ -114,45 +187,6 @@ void ZipWriter::setTimestamp(const QDateTime& time)
     m_dosTime = quint16((clock.hour() << 11) | (clock.minute() << 5) | (clock.second() / 2));
 }
 
-// m_error belongs to the worker; the caller's side sees failures through the pipeline.
-bool ZipWriter::hasError() const
-{
-    std::lock_guard<std::mutex> lock(m_pipeline->mutex);
-    return m_pipeline->failed;
-}
-
-QString ZipWriter::errorString() const
-{
-    std::lock_guard<std::mutex> lock(m_pipeline->mutex);
-    return m_pipeline->error;
-}
-
-void ZipWriter::post(int kind, const QByteArray& name)
-{
-    Pipeline& p = *m_pipeline;
-    std::unique_lock<std::mutex> lock(p.mutex);
-    p.changed.wait(lock, [&] { return p.queue.size() < MaxQueuedPieces || p.done; });
-    Pipeline::Job job;
-    job.kind = kind;
-    job.name = name;
-    if (kind == DataJob) {
-        job.data.swap(m_pending);
-        if (!p.spare.empty()) {
-            m_pending.swap(p.spare.back());
-            p.spare.pop_back();
-        }
-        m_pending.clear();
-    }
-    p.queue.push_back(std::move(job));
-    p.changed.notify_all();
-}
-
-void ZipWriter::postPending()
-{
-    if (!m_pending.empty())
-        post(DataJob);
-}
-
 bool ZipWriter::beginEntry(const QString& name)
 {
     if (m_inEntry && !endEntry())
@@ -160,18 +194,15 @@ bool ZipWriter::beginEntry(const QString& name)
     if (m_finished || hasError())
         return false;
     const QByteArray utf8 = name.toUtf8();
-    if (utf8.isEmpty() || utf8.size() > int(Max16)) {
-        std::lock_guard<std::mutex> lock(m_pipeline->mutex);
-        m_pipeline->failed = true;
-        m_pipeline->error = QStringLiteral("invalid entry name");
-        return false;
-    }
-    if (!m_pipeline->worker.joinable())
-        m_pipeline->worker = std::thread([this] { run(); });
-    post(BeginJob, utf8);
+    if (utf8.isEmpty() || utf8.size() > int(Max16))
+        return fail(QStringLiteral("invalid entry name"));
+    auto piece = std::make_unique<Piece>();
+    piece->kind = Piece::Begin;
+    piece->name = utf8;
+    submit(std::move(piece));
     m_inEntry = true;
     ++m_entryCount;
-    return true;
+    return !hasError();
 }
 
 bool ZipWriter::write(const char* data, qint64 size)
@@ -186,9 +217,9 @@ bool ZipWriter::write(const char* data, qint64 size)
         data += n;
         size -= n;
         if (m_pending.size() >= PieceSize)
-            post(DataJob);
+            submitPending();
     }
-    return true;
+    return !hasError();
 }
 
 bool ZipWriter::endEntry()
@@ -196,8 +227,10 @@ bool ZipWriter::endEntry()
     if (!m_inEntry)
         return !hasError();
     m_inEntry = false;
-    postPending();
-    post(EndJob);
+    submitPending();
+    auto piece = std::make_unique<Piece>();
+    piece->kind = Piece::End;
+    submit(std::move(piece));
     return !hasError();
 }
 
@@ -208,47 +241,111 @@ bool ZipWriter::finish()
     if (m_inEntry)
         endEntry();
     m_finished = true;
-    if (m_pipeline->worker.joinable()) {
-        post(FinishJob);
-        m_pipeline->worker.join();
-    } else {
-        finishNow();
-    }
+    auto piece = std::make_unique<Piece>();
+    piece->kind = Piece::Finish;
+    submit(std::move(piece));
+    emitReady(0);
     return !hasError();
 }
 
-// The worker: takes the jobs in order until the archive is finished or abandoned. After
-// a failure it keeps taking jobs, so that the caller never waits on a full queue.
-void ZipWriter::run()
+void ZipWriter::submitPending()
 {
-    Pipeline& p = *m_pipeline;
+    if (m_pending.empty())
+        return;
+    auto piece = std::make_unique<Piece>();
+    piece->input.swap(m_pending);
+    m_pending = m_compressors->takeSpare();
+    m_pending.clear();
+    // A whole entry smaller than a piece (styles, relationships, small sheets) is
+    // deflated here: starting threads would cost more than it saves.
+    Compressors& c = *m_compressors;
+    if (c.threads.empty() && piece->input.size() < PieceSize) {
+        z_stream z {};
+        if (deflateInit2(&z, m_level, Z_DEFLATED, -MAX_WBITS, 8, Z_DEFAULT_STRATEGY) == Z_OK) {
+            deflatePiece(z, *piece);
+            deflateEnd(&z);
+        } else {
+            piece->failed = true;
+        }
+        piece->ready = true;
+        submit(std::move(piece));
+        return;
+    }
+    if (c.threads.empty())
+        c.start(compressorCount());
+    Piece* raw = piece.get();
+    {
+        std::lock_guard<std::mutex> lock(c.mutex);
+        c.todo.push_back(raw);
+    }
+    c.changed.notify_all();
+    submit(std::move(piece));
+}
+
+void ZipWriter::submit(std::unique_ptr<Piece> piece)
+{
+    Compressors& c = *m_compressors;
+    if (piece->kind != Piece::Data)
+        piece->ready = true;
+    {
+        std::lock_guard<std::mutex> lock(c.mutex);
+        c.order.push_back(std::move(piece));
+    }
+    // Enough pieces in flight to keep every compressor busy while the caller fills the
+    // next one; beyond that the caller waits, so memory stays flat.
+    emitReady(c.threads.size() * 2 + 2);
+}
+
+// Writes the pieces at the front that are ready, waiting while more than keepAtMost
+// pieces are outstanding.
+void ZipWriter::emitReady(size_t keepAtMost)
+{
+    Compressors& c = *m_compressors;
+    std::unique_lock<std::mutex> lock(c.mutex);
     for (;;) {
-        Pipeline::Job job;
-        {
-            std::unique_lock<std::mutex> lock(p.mutex);
-            p.changed.wait(lock, [&] { return !p.queue.empty(); });
-            job = std::move(p.queue.front());
-            p.queue.pop_front();
-            p.changed.notify_all();
-        }
-        const bool ok = m_error.isEmpty();
-        switch (job.kind) {
-        case BeginJob: if (ok) beginEntryNow(job.name); break;
-        case DataJob: if (ok) writeNow(job.data.data(), qint64(job.data.size())); break;
-        case EndJob: if (ok) endEntryNow(); break;
-        case FinishJob: if (ok) finishNow(); break;
-        default: break;
-        }
-        std::lock_guard<std::mutex> lock(p.mutex);
-        if (job.kind == DataJob && p.spare.size() < MaxQueuedPieces) {
-            job.data.clear();
-            p.spare.push_back(std::move(job.data));
-        }
-        if (job.kind == FinishJob || job.kind == StopJob) {
-            p.done = true;
-            p.changed.notify_all();
+        if (c.order.empty())
             return;
+        if (!c.order.front()->ready) {
+            if (c.order.size() <= keepAtMost)
+                return;
+            c.changed.wait(lock, [&] { return c.order.front()->ready; });
         }
+        std::unique_ptr<Piece> piece = std::move(c.order.front());
+        c.order.pop_front();
+        lock.unlock();
+        writePiece(*piece);
+        lock.lock();
+        if (piece->kind == Piece::Data && c.spare.size() < c.threads.size() * 2 + 2) {
+            piece->input.clear();
+            c.spare.push_back(std::move(piece->input));
+        }
+    }
+}
+
+void ZipWriter::writePiece(Piece& piece)
+{
+    switch (piece.kind) {
+    case Piece::Begin:
+        beginEntryNow(piece.name);
+        break;
+    case Piece::Data: {
+        if (piece.failed) {
+            fail(QStringLiteral("compression failed"));
+            break;
+        }
+        Entry& entry = m_entries.back();
+        entry.crc = quint32(crc32_combine(entry.crc, piece.crc, z_off_t(piece.input.size())));
+        entry.size += piece.input.size();
+        entry.compressedSize += piece.output.size();
+        put(piece.output.data(), qint64(piece.output.size()));
+        break;
+    }
+    case Piece::End:
+        endEntryNow();
+        break;
+    case Piece::Finish:
+        finishNow();
+        break;
     }
 }
 
@@ -273,45 +370,15 @@ void ZipWriter::beginEntryNow(const QByteArray& name)
     le16(header, 0);
     header.append(entry.name);
     m_entries.push_back(std::move(entry));
-    if (put(header))
-        deflateReset(&m_deflater->stream);
-}
-
-void ZipWriter::writeNow(const char* data, qint64 size)
-{
-    Entry& entry = m_entries.back();
-    entry.size += quint64(size);
-    entry.crc = quint32(crc32(entry.crc, reinterpret_cast<const Bytef*>(data), uInt(size)));
-    deflateInput(data, size, false);
-}
-
-bool ZipWriter::deflateInput(const char* data, qint64 size, bool last)
-{
-    z_stream& z = m_deflater->stream;
-    z.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data));
-    z.avail_in = uInt(size);
-    const int flush = last ? Z_FINISH : Z_NO_FLUSH;
-    for (;;) {
-        z.next_out = reinterpret_cast<Bytef*>(m_out.data());
-        z.avail_out = uInt(m_out.size());
-        const int rc = deflate(&z, flush);
-        if (rc == Z_STREAM_ERROR)
-            return fail(QStringLiteral("compression failed"));
-        const qint64 produced = qint64(m_out.size()) - qint64(z.avail_out);
-        m_entries.back().compressedSize += quint64(produced);
-        if (produced > 0 && !put(m_out.data(), produced))
-            return false;
-        if (last ? rc == Z_STREAM_END : (z.avail_in == 0 && z.avail_out != 0))
-            return true;
-    }
+    put(header);
 }
 
 void ZipWriter::endEntryNow()
 {
-    if (!deflateInput(nullptr, 0, true))
-        return;
+    Entry& entry = m_entries.back();
+    entry.compressedSize += sizeof FinalBlock;
+    put(FinalBlock, sizeof FinalBlock);
 
-    const Entry& entry = m_entries.back();
     const bool zip64 = entry.size > Max32 || entry.compressedSize > Max32;
     QByteArray descriptor;
     le32(descriptor, DataDescriptorSignature);
@@ -423,12 +490,8 @@ bool ZipWriter::put(const char* data, qint64 size)
 
 bool ZipWriter::fail(const QString& why)
 {
-    if (m_error.isEmpty()) {
+    if (m_error.isEmpty())
         m_error = why;
-        std::lock_guard<std::mutex> lock(m_pipeline->mutex);
-        m_pipeline->failed = true;
-        m_pipeline->error = why;
-    }
     return false;
 }
 

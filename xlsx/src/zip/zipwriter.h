@@ -8,6 +8,7 @@
 #include <vector>
 
 class QIODevice;
+struct z_stream_s;
 
 namespace QXlsx::detail {
 
@@ -20,10 +21,13 @@ namespace QXlsx::detail {
 // write buffering of QSaveFile. An entry or an archive past 4 GiB or 65,535 entries gets
 // zip64 records.
 //
-// Deflating is most of the cost of a save, so it runs on a thread of its own while the
-// caller produces the next bytes: write() only queues a copy of its bytes, and the
-// worker deflates them and writes the device. The device is touched by the worker alone
-// until finish() returns.
+// Deflating is most of the cost of a save, so an entry's bytes are cut into pieces that
+// compressor threads deflate independently while the caller produces the next bytes.
+// Each piece ends on a byte boundary with a non-final block (a sync flush) and the entry
+// with an empty final block, so the pieces joined in order are one valid deflate stream;
+// a piece only loses the back-references into the piece before it. The device is written
+// by the caller's thread alone, in order; an entry smaller than a piece never starts a
+// thread.
 class ZipWriter
 {
 public:
@@ -48,8 +52,8 @@ public:
     // Closes the last entry and writes the central directory. Nothing may follow.
     bool finish();
 
-    bool hasError() const;
-    QString errorString() const;
+    bool hasError() const { return !m_error.isEmpty(); }
+    QString errorString() const { return m_error; }
     int entryCount() const { return m_entryCount; }
 
 private:
@@ -61,31 +65,28 @@ private:
         quint64 size = 0;
         quint64 offset = 0;
     };
+    struct Piece;
+    struct Compressors;
 
-    // Run by the worker, in queue order.
+    void submit(std::unique_ptr<Piece> piece);
+    void submitPending();
+    void emitReady(size_t keepAtMost);
+    void writePiece(Piece& piece);
+    static void deflatePiece(z_stream_s& z, Piece& piece);
     void beginEntryNow(const QByteArray& name);
-    void writeNow(const char* data, qint64 size);
     void endEntryNow();
     void finishNow();
-    bool deflateInput(const char* data, qint64 size, bool last);
     bool put(const char* data, qint64 size);
     bool put(const QByteArray& data) { return put(data.constData(), data.size()); }
     bool fail(const QString& why);
     QByteArray centralDirectoryRecord(const Entry& entry) const;
 
-    struct Deflater;
-    struct Pipeline;
-    void post(int kind, const QByteArray& name = QByteArray());
-    void postPending();
-    void run();
-
     QIODevice& m_device;
-    std::unique_ptr<Deflater> m_deflater;
-    std::unique_ptr<Pipeline> m_pipeline;
-    std::vector<char> m_pending;     // caller side: bytes not yet handed to the worker
+    int m_level;
+    std::unique_ptr<Compressors> m_compressors;
+    std::vector<char> m_pending;     // bytes of the current entry not yet in a piece
     int m_entryCount = 0;
     std::vector<Entry> m_entries;
-    std::vector<char> m_out;
     quint64 m_offset = 0;
     bool m_inEntry = false;
     bool m_finished = false;
