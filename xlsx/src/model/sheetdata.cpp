@@ -75,14 +75,13 @@ RowRecord& SheetData::rowFor(int row)
         // its cells gives the slack back before the next one starts.
         size_t expected = 0;
         if (!rows.empty()) {
-            std::vector<Cell>& last = rows.back().cells;
+            CellList& last = rows.back().cells;
             expected = last.size();
-            if (last.capacity() > expected + expected / 8 + 4)
-                last.shrink_to_fit();
+            last.shrink(cellArena);
         }
         rows.emplace_back();
         rows.back().row = row;
-        rows.back().cells.reserve(expected);
+        rows.back().cells.reserve(cellArena, expected);
         return rows.back();
     }
     if (rows.back().row == row)
@@ -100,7 +99,7 @@ Cell* SheetData::findCell(int row, int column)
     RowRecord* r = findRow(row);
     if (!r)
         return nullptr;
-    std::vector<Cell>& cells = r->cells;
+    CellList& cells = r->cells;
     if (Cell* dense = densePosition(cells, column, [](const Cell& c) { return c.column(); }))
         return dense;
     if (!cells.empty() && cells.back().column() == column)
@@ -116,17 +115,15 @@ const Cell* SheetData::findCell(int row, int column) const
 
 Cell& SheetData::cellFor(int row, int column)
 {
-    std::vector<Cell>& cells = rowFor(row).cells;
-    if (cells.empty() || cells.back().column() < column) {
-        cells.push_back(CellAccess::make(book, column));
-        return cells.back();
-    }
+    CellList& cells = rowFor(row).cells;
+    if (cells.empty() || cells.back().column() < column)
+        return cells.append(cellArena, CellAccess::make(book, column));
     if (cells.back().column() == column)
         return cells.back();
     auto it = lowerBoundCell(cells, column);
     if (it != cells.end() && it->column() == column)
         return *it;
-    return *cells.insert(it, CellAccess::make(book, column));
+    return *cells.insert(cellArena, it, CellAccess::make(book, column));
 }
 
 bool SheetData::removeCell(int row, int column)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "cellstore.h"
+#include "largeblock.h"
 #include "rawelement.h"
 #include "xlsxabstractsheet.h"
 #include "xlsxcell.h"
@@ -29,7 +31,7 @@ struct RowRecord
     bool customFormat = false;
     bool hidden = false;
     QByteArray extraAttributes;   // attributes of <row> kept as read (outlineLevel, ...)
-    std::vector<Cell> cells;   // sorted by column
+    CellList cells;            // sorted by column, in the sheet's cellArena
 };
 
 struct ColumnRecord
@@ -43,6 +45,8 @@ struct ColumnRecord
     QByteArray extraAttributes;
 };
 
+using RowList = std::vector<RowRecord, LargeAllocator<RowRecord>>;
+
 // One sheet of a workbook. A worksheet is modelled (cells, rows, columns, merges);
 // anything else of its part, and whole chart, dialog and macro sheets, are kept as
 // read so that a save gives them back.
@@ -54,7 +58,8 @@ public:
     AbstractSheet::SheetType type = AbstractSheet::ST_WorkSheet;
     AbstractSheet::SheetState state = AbstractSheet::SS_Visible;
 
-    std::vector<RowRecord> rows;          // sorted by row
+    CellArena cellArena;                  // the memory of every row's cells
+    RowList rows;                         // sorted by row
     std::vector<ColumnRecord> columns;    // sorted by first column, not overlapping
     QList<CellRange> merges;
     double defaultRowHeight = 15.0;

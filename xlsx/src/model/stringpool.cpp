@@ -84,6 +84,11 @@ int clampLength(const char* utf8, int size)
 
 StringPool::StringPool() = default;
 
+StringPool::~StringPool()
+{
+    clear();
+}
+
 quint32 StringPool::add(QStringView text)
 {
     const size_t room = size_t(text.size()) * 3;
@@ -104,7 +109,7 @@ quint32 StringPool::addRich(const QString& plainText, const QByteArray& runsXml)
     const QByteArray bytes = plainText.toUtf8();
     const int size = clampLength(bytes.constData(), bytes.size());
     const quint32 index = count();
-    m_offsets.push_back(store(bytes.constData(), size) << LengthBits | quint64(size));
+    pushEntry(store(bytes.constData(), size) << LengthBits | quint64(size));
     m_rich.emplace_back(index, runsXml);
     return index;
 }
@@ -113,94 +118,25 @@ quint32 StringPool::append(const char* utf8, int size)
 {
     size = clampLength(utf8, std::max(size, 0));
     const quint32 index = count();
-    m_offsets.push_back(store(utf8, size) << LengthBits | quint64(size));
+    pushEntry(store(utf8, size) << LengthBits | quint64(size));
     return index;
-}
-
-// The slot where text is or would go; index gets its entry if it is there.
-size_t StringPool::findSlot(const char* utf8, int size, quint32 hash, quint32* index) const
-{
-    const size_t mask = m_slots.size() - 1;
-    size_t pos = hash & mask;
-    while (const quint64 slot = m_slots[pos]) {
-        if (quint32(slot >> 32) == hash) {
-            const quint32 candidate = quint32(slot) - 1;
-            const quint64 entry = m_offsets[candidate];
-            if (int(entry & LengthMask) == size
-                && (size == 0 || std::memcmp(at(entry >> LengthBits), utf8, size_t(size)) == 0)) {
-                *index = candidate;
-                return pos;
-            }
-        }
-        pos = (pos + 1) & mask;
-    }
-    return pos;
-}
-
-// Grown at 80 % full: with the hash in the slot, probing a little further is cheaper
-// than the memory a sparser table would touch.
-static bool needsGrowth(size_t entries, size_t slots)
-{
-    return entries * 5 > slots * 4;
 }
 
 quint32 StringPool::insert(const char* utf8, int size, quint32 hash)
 {
-    if (m_indexed < count())
-        indexAppended();
-    if (needsGrowth(m_offsets.size() + 1, m_slots.size()))
-        rehash(std::max<size_t>(m_slots.size() * 2, 1024));
-    quint32 found = 0;
-    const size_t pos = findSlot(utf8, size, hash, &found);
-    if (m_slots[pos])
-        return found;
-    const quint32 index = count();
-    m_offsets.push_back(store(utf8, size) << LengthBits | quint64(size));
-    m_slots[pos] = quint64(hash) << 32 | (index + 1);
-    m_indexed = count();
+    if (!m_recent)
+        m_recent.reset(new quint64[RecentSlots]());
+    quint64& slot = m_recent[hash & (RecentSlots - 1)];
+    if (slot && quint32(slot >> 32) == hash) {
+        const quint32 candidate = quint32(slot) - 1;
+        const quint64 entry = entryAt(candidate);
+        if (int(entry & LengthMask) == size
+            && (size == 0 || std::memcmp(at(entry >> LengthBits), utf8, size_t(size)) == 0))
+            return candidate;
+    }
+    const quint32 index = append(utf8, size);
+    slot = quint64(hash) << 32 | (index + 1);
     return index;
-}
-
-// Entries appended since the last lookup join the table, rich ones excepted.
-void StringPool::indexAppended()
-{
-    size_t slots = std::max<size_t>(m_slots.size(), 1024);
-    while (needsGrowth(m_offsets.size() + 1, slots))
-        slots *= 2;
-    if (slots != m_slots.size())
-        rehash(slots);
-    auto rich = std::lower_bound(m_rich.begin(), m_rich.end(), m_indexed,
-                                 [](const auto& e, quint32 i) { return e.first < i; });
-    for (quint32 index = m_indexed; index < count(); ++index) {
-        if (rich != m_rich.end() && rich->first == index) {
-            ++rich;
-            continue;
-        }
-        const quint64 entry = m_offsets[index];
-        const int size = int(entry & LengthMask);
-        const char* text = size ? at(entry >> LengthBits) : "";
-        const quint32 hash = hashBytes(text, size);
-        quint32 found = 0;
-        const size_t pos = findSlot(text, size, hash, &found);
-        if (!m_slots[pos])
-            m_slots[pos] = quint64(hash) << 32 | (index + 1);
-    }
-    m_indexed = count();
-}
-
-void StringPool::rehash(size_t slotCount)
-{
-    std::vector<quint64> old(slotCount, 0);
-    old.swap(m_slots);
-    const size_t mask = slotCount - 1;
-    for (const quint64 slot : old) {
-        if (!slot)
-            continue;
-        size_t pos = size_t(slot >> 32) & mask;
-        while (m_slots[pos])
-            pos = (pos + 1) & mask;
-        m_slots[pos] = slot;
-    }
 }
 
 quint64 StringPool::store(const char* utf8, int size)
@@ -210,19 +146,28 @@ quint64 StringPool::store(const char* utf8, int size)
     const quint64 inChunk = m_used & (ChunkSize - 1);
     const bool full = (m_used >> ChunkBits) >= m_chunks.size();
     if (full || inChunk + quint64(size) > ChunkSize) {
-        const size_t chunkCount = (size_t(size) + ChunkSize - 1) >> ChunkBits;
-        const size_t blockSize = chunkCount == 1 ? size_t(ChunkSize) : size_t(size);
-        m_blocks.emplace_back(new char[blockSize]);
-        for (size_t i = 0; i < chunkCount; ++i)
-            m_chunks.push_back(m_blocks.back().get() + (i << ChunkBits));
-        m_used = quint64(m_chunks.size() - chunkCount) << ChunkBits;
+        // The next chunk of the current block, or a new block.
+        const size_t next = size_t(m_used >> ChunkBits) + (inChunk ? 1 : 0);
+        if (next < m_chunks.size() && size_t(size) <= ChunkSize) {
+            m_used = quint64(next) << ChunkBits;
+        } else {
+            const size_t needed = (size_t(size) + ChunkSize - 1) >> ChunkBits;
+            const size_t grown = std::min(MaxBlockChunks, size_t(1) << std::min<size_t>(m_blocks.size(), 6));
+            const size_t chunkCount = std::max(needed, grown);
+            const size_t bytes = chunkCount << ChunkBits;
+            char* block = static_cast<char*>(allocateLarge(bytes));
+            m_blocks.push_back({block, bytes});
+            for (size_t i = 0; i < chunkCount; ++i)
+                m_chunks.push_back(block + (i << ChunkBits));
+            m_used = quint64(m_chunks.size() - chunkCount) << ChunkBits;
+        }
     }
     const quint64 offset = m_used;
     std::memcpy(const_cast<char*>(at(offset)), utf8, size_t(size));
     m_used += quint64(size);
-    // A block of its own is never shared with the next text.
+    // A text longer than a chunk is never followed in its last chunk.
     if (size_t(size) > ChunkSize)
-        m_used = quint64(m_chunks.size()) << ChunkBits;
+        m_used = (((m_used - 1) >> ChunkBits) + 1) << ChunkBits;
     return offset;
 }
 
@@ -239,7 +184,7 @@ const char* StringPool::utf8(quint32 index, int* size) const
         *size = 0;
         return "";
     }
-    const quint64 entry = m_offsets[index];
+    const quint64 entry = entryAt(index);
     *size = int(entry & LengthMask);
     return *size ? at(entry >> LengthBits) : "";
 }
@@ -260,12 +205,13 @@ QByteArray StringPool::richXml(quint32 index) const
 
 void StringPool::clear()
 {
+    for (const Block& block : m_blocks)
+        freeLarge(block.data, block.bytes);
     m_blocks.clear();
     m_chunks.clear();
     m_used = 0;
-    m_offsets.clear();
-    m_slots.clear();
-    m_indexed = 0;
+    m_entries.clear();
+    m_recent.reset();
     m_rich.clear();
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "largeblock.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QStringView>
@@ -10,25 +12,28 @@
 
 namespace QXlsx::detail {
 
-// The workbook's texts, each stored once as UTF-8 in one arena. Cells refer to an entry
-// by index; equal texts share an entry, so a column of repeated names costs one copy.
+// The workbook's texts as UTF-8 in one arena. Cells refer to an entry by index. A text
+// equal to one added recently shares its entry, so a column of repeated names or
+// categories costs one copy each; a text whose twin was added long ago may get an entry
+// of its own. Looking every text up in a table of all entries would cost a cache miss
+// per new text, the largest part of writing a sheet of distinct values, and a shared
+// string table may hold a text twice.
 // An entry read from a file with formatted runs keeps the runs' XML so that a save
 // writes the rich text back; its plain text is what cells show.
 class StringPool
 {
 public:
     StringPool();
+    ~StringPool();
+    StringPool(const StringPool&) = delete;
+    StringPool& operator=(const StringPool&) = delete;
 
-    // The entry of text, added when new.
+    // The entry of a recently added equal text, or a new entry.
     quint32 add(QStringView text);
     quint32 add(const char* utf8, int size);
     // A new entry, without looking for an equal one: for texts that come distinct, such
-    // as a file's shared string table, whose readers mostly never look a text up. The
-    // entry joins the lookup table when add() next needs it (a text appended twice
-    // then has two entries, and add() finds the first).
+    // as a file's shared string table.
     quint32 append(const char* utf8, int size);
-    // Room for this many entries in all, so that a table of known size never regrows.
-    void reserve(quint32 entries) { m_offsets.reserve(entries); }
     // A rich text entry: its plain text and the <si> children as read. Never shared.
     quint32 addRich(const QString& plainText, const QByteArray& runsXml);
 
@@ -37,17 +42,16 @@ public:
     const char* utf8(quint32 index, int* size) const;
     bool isRich(quint32 index) const;
     QByteArray richXml(quint32 index) const;
-    quint32 count() const { return quint32(m_offsets.size()); }
+    quint32 count() const { return quint32(m_entries.size()); }
     // Longest text an entry holds, in UTF-8 bytes; longer texts are cut at a character.
     static constexpr int MaxTextBytes = (1 << 24) - 1;
     void clear();
 
 private:
     quint32 insert(const char* utf8, int size, quint32 hash);
-    void indexAppended();
-    size_t findSlot(const char* utf8, int size, quint32 hash, quint32* index) const;
-    void rehash(size_t slotCount);
     quint64 store(const char* utf8, int size);
+    void pushEntry(quint64 entry) { m_entries.push_back(entry); }
+    quint64 entryAt(quint32 index) const { return m_entries[index]; }
     const char* at(quint64 offset) const
     {
         return m_chunks[size_t(offset >> ChunkBits)] + (offset & (ChunkSize - 1));
@@ -55,21 +59,29 @@ private:
 
     // The arena is a list of fixed chunks rather than one growing buffer: adding never
     // moves the texts already stored, and a large pool never holds its old and new
-    // copies at once while growing. A text longer than a chunk gets a block of its own
-    // that spans as many chunk numbers as it needs, so every offset maps to an address
-    // with one shift.
+    // copies at once while growing. Chunks come in blocks that double up to
+    // MaxBlockChunks, so a small workbook stays small and a big one gets large pages; a
+    // text longer than a block gets a block of its own. A block spans as many chunk
+    // numbers as it holds, so every offset maps to an address with one shift.
     static constexpr int ChunkBits = 16;
     static constexpr quint64 ChunkSize = quint64(1) << ChunkBits;
-    std::vector<std::unique_ptr<char[]>> m_blocks;
+    static constexpr size_t MaxBlockChunks = 64;
+    struct Block
+    {
+        char* data;
+        size_t bytes;
+    };
+    std::vector<Block> m_blocks;
     std::vector<char*> m_chunks;
     quint64 m_used = 0;                        // arena offset of the next free byte
 
-    std::vector<quint64> m_offsets;            // start in the arena << 24 | length (texts < 16 MiB)
-    // Open addressing with linear probing. A slot holds the low 32 bits of the entry's
-    // hash above its index + 1 (0 = free): a probe rarely has to look at the text
-    // itself, one cache line serves a probe, and growing never rereads the texts.
-    std::vector<quint64> m_slots;
-    quint32 m_indexed = 0;                     // entries before this one are in m_slots (or rich)
+    // Per entry, its start in the arena << 24 | its length (texts < 16 MiB).
+    std::vector<quint64, LargeAllocator<quint64>> m_entries;
+    // The recently added texts, direct mapped by hash: a slot holds the entry's hash
+    // above its index + 1 (0 = free), so a miss never looks at a text. Small enough to
+    // stay in the processor's cache.
+    static constexpr size_t RecentSlots = size_t(1) << 14;
+    std::unique_ptr<quint64[]> m_recent;
     std::vector<char> m_utf8;                  // reused conversion buffer of add(QStringView)
     std::vector<std::pair<quint32, QByteArray>> m_rich;   // sorted by entry index
 };

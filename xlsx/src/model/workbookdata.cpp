@@ -80,14 +80,14 @@ const QByteArray* WorkbookData::formulaOf(const Cell* cell) const
         return it != sheet.formulas.constEnd() ? &it.value() : nullptr;
     };
     if (m_lastFormulaSheet < sheets.size()) {
-        const std::vector<RowRecord>& rows = sheets[m_lastFormulaSheet]->rows;
+        const RowList& rows = sheets[m_lastFormulaSheet]->rows;
         for (size_t r = m_lastFormulaRow; r < rows.size() && r <= m_lastFormulaRow + 1; ++r) {
             if (holds(rows[r], cell))
                 return lookUp(m_lastFormulaSheet, r);
         }
     }
     for (size_t s = 0; s < sheets.size(); ++s) {
-        const std::vector<RowRecord>& rows = sheets[s]->rows;
+        const RowList& rows = sheets[s]->rows;
         for (size_t r = 0; r < rows.size(); ++r) {
             if (holds(rows[r], cell))
                 return lookUp(s, r);

@@ -3,7 +3,6 @@
 #include "model/stringpool.h"
 #include "read/xmlreader.h"
 
-#include <charconv>
 
 namespace QXlsx::detail {
 
@@ -28,15 +27,6 @@ void SharedStringsReader::startElement(const ScannedTag& tag)
         m_plain.clear();
         m_runsXml.clear();
         m_rich = false;
-    } else if (tag.name == "sst") {
-        // The count is only a hint; a bounded reservation saves regrowing a big table
-        // (and the fresh pages each regrowth touches). A lying count costs at most
-        // 128 MiB of address space, whose pages are only touched as entries come.
-        if (const std::string_view* unique = tag.value("uniqueCount")) {
-            quint32 expected = 0;
-            std::from_chars(unique->data(), unique->data() + unique->size(), expected);
-            m_pool.reserve(m_pool.count() + qMin<quint32>(expected, 1u << 24));
-        }
     }
 }
 

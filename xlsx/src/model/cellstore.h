@@ -1,0 +1,89 @@
+#pragma once
+
+#include "xlsxcell.h"
+
+#include <QtGlobal>
+
+#include <cstddef>
+#include <type_traits>
+#include <vector>
+
+namespace QXlsx::detail {
+
+static_assert(std::is_trivially_copyable_v<Cell>, "cells are moved as bytes");
+
+// Where the cells of one sheet live. A sheet of millions of cells in one heap allocation
+// per row would pay a malloc per row and a page fault per 4 KiB of fresh memory; here
+// the rows' cell arrays are cut from large blocks, and an array a row outgrows is kept
+// for the next row that needs one of its size.
+class CellArena
+{
+public:
+    CellArena() = default;
+    ~CellArena();
+    CellArena(const CellArena&) = delete;
+    CellArena& operator=(const CellArena&) = delete;
+
+    // Room for at least capacity cells (at most MaxColumns); *granted gets how many.
+    Cell* allocate(quint32 capacity, quint32* granted);
+    void release(Cell* cells, quint32 capacity);
+
+private:
+    static int sizeClass(quint32 capacity, quint32* rounded);
+    static constexpr int ExactClasses = 32;   // arrays of 1 to 32 cells are sized exactly
+    static constexpr int ClassCount = ExactClasses + 10;
+
+    struct Block
+    {
+        char* data;
+        size_t bytes;
+    };
+    std::vector<Block> m_blocks;
+    char* m_next = nullptr;
+    char* m_end = nullptr;
+    void* m_free[ClassCount] = {};   // released arrays, each holding the next one's address
+};
+
+// The cells of one row, sorted by column, in memory of the sheet's CellArena. Reading
+// needs nothing else; changing the row's length takes the arena.
+class CellList
+{
+public:
+    CellList() = default;
+    CellList(CellList&& other) noexcept { swap(other); }
+    CellList& operator=(CellList&& other) noexcept { swap(other); return *this; }
+    CellList(const CellList&) = delete;
+    CellList& operator=(const CellList&) = delete;
+
+    Cell* begin() { return m_data; }
+    Cell* end() { return m_data + m_size; }
+    const Cell* begin() const { return m_data; }
+    const Cell* end() const { return m_data + m_size; }
+    Cell* data() { return m_data; }
+    const Cell* data() const { return m_data; }
+    size_t size() const { return m_size; }
+    size_t capacity() const { return m_capacity; }
+    bool empty() const { return m_size == 0; }
+    Cell& front() { return m_data[0]; }
+    Cell& back() { return m_data[m_size - 1]; }
+    const Cell& front() const { return m_data[0]; }
+    const Cell& back() const { return m_data[m_size - 1]; }
+    Cell& operator[](size_t i) { return m_data[i]; }
+    const Cell& operator[](size_t i) const { return m_data[i]; }
+
+    void reserve(CellArena& arena, size_t capacity);
+    Cell& append(CellArena& arena, const Cell& cell);
+    Cell* insert(CellArena& arena, Cell* position, const Cell& cell);
+    void erase(Cell* position);
+    // Gives the arena back the room past size(), when it is worth a move.
+    void shrink(CellArena& arena);
+
+private:
+    void swap(CellList& other) noexcept;
+
+    Cell* m_data = nullptr;
+    quint32 m_size = 0;
+    quint32 m_capacity = 0;
+};
+
+} // namespace QXlsx::detail
