@@ -41,6 +41,23 @@ int encodeUtf8(QStringView text, char* out)
     const char16_t* p = text.utf16();
     const char16_t* end = p + text.size();
     while (p != end) {
+#if Q_BYTE_ORDER == Q_LITTLE_ENDIAN
+        // Most texts are ASCII: four units at a time while they are.
+        while (end - p >= 4) {
+            quint64 units;
+            std::memcpy(&units, p, 8);
+            if (units & 0xFF80FF80FF80FF80ull)
+                break;
+            o[0] = char(units);
+            o[1] = char(units >> 16);
+            o[2] = char(units >> 32);
+            o[3] = char(units >> 48);
+            o += 4;
+            p += 4;
+        }
+#endif
+        if (p == end)
+            break;
         char32_t c = *p++;
         if (c < 0x80) {
             *o++ = char(c);

@@ -69,7 +69,8 @@ struct ZipWriter::Piece
     enum Kind { Begin, Data, End, Finish } kind = Data;
     QByteArray name;                // Begin
     std::vector<char> input;        // Data: the bytes as given
-    std::vector<char> output;       // Data: deflated, ending with a sync flush
+    std::vector<char> output;       // Data: deflated, ending with a sync flush, in the
+    size_t outputSize = 0;          // first outputSize bytes (the buffer is reused whole)
     quint32 crc = 0;                // Data: CRC-32 of input
     bool failed = false;
     bool ready = false;
@@ -84,7 +85,7 @@ struct ZipWriter::Compressors
     std::condition_variable changed;
     std::deque<std::unique_ptr<Piece>> order;   // submitted, not yet written, in file order
     std::deque<Piece*> todo;                    // data pieces no compressor has taken
-    std::vector<std::vector<char>> spare;       // buffers of written pieces, for reuse
+    std::vector<std::unique_ptr<Piece>> spare;  // written data pieces, buffers and all
     std::vector<std::thread> threads;
     bool stopping = false;
 
@@ -119,15 +120,14 @@ struct ZipWriter::Compressors
             deflateEnd(&z);
     }
 
-    std::vector<char> takeSpare()
+    std::unique_ptr<Piece> takeSpare()
     {
-        std::vector<char> buffer;
         std::lock_guard<std::mutex> lock(mutex);
-        if (!spare.empty()) {
-            buffer.swap(spare.back());
-            spare.pop_back();
-        }
-        return buffer;
+        if (spare.empty())
+            return std::make_unique<Piece>();
+        std::unique_ptr<Piece> piece = std::move(spare.back());
+        spare.pop_back();
+        return piece;
     }
 
     ~Compressors()
@@ -149,7 +149,9 @@ void ZipWriter::deflatePiece(z_stream& z, Piece& piece)
     piece.crc = quint32(libdeflate_crc32(0, piece.input.data(), piece.input.size()));
     deflateReset(&z);
     // The bound covers the data; the sync flush adds an empty stored block of 5 bytes.
-    piece.output.resize(deflateBound(&z, uLong(piece.input.size())) + 16);
+    const size_t bound = deflateBound(&z, uLong(piece.input.size())) + 16;
+    if (piece.output.size() < bound)
+        piece.output.resize(bound);
     z.next_in = reinterpret_cast<Bytef*>(piece.input.data());
     z.avail_in = uInt(piece.input.size());
     z.next_out = reinterpret_cast<Bytef*>(piece.output.data());
@@ -167,7 +169,7 @@ void ZipWriter::deflatePiece(z_stream& z, Piece& piece)
         z.next_out = reinterpret_cast<Bytef*>(piece.output.data() + used);
         z.avail_out = uInt(piece.output.size() - used);
     }
-    piece.output.resize(piece.output.size() - z.avail_out);
+    piece.outputSize = piece.output.size() - z.avail_out;
 }
 
 ZipWriter::ZipWriter(QIODevice& device, int level)
@@ -252,9 +254,8 @@ void ZipWriter::submitPending()
 {
     if (m_pending.empty())
         return;
-    auto piece = std::make_unique<Piece>();
+    std::unique_ptr<Piece> piece = m_compressors->takeSpare();
     piece->input.swap(m_pending);
-    m_pending = m_compressors->takeSpare();
     m_pending.clear();
     // A whole entry smaller than a piece (styles, relationships, small sheets) is
     // deflated here: starting threads would cost more than it saves.
@@ -316,8 +317,9 @@ void ZipWriter::emitReady(size_t keepAtMost)
         writePiece(*piece);
         lock.lock();
         if (piece->kind == Piece::Data && c.spare.size() < c.threads.size() * 2 + 2) {
-            piece->input.clear();
-            c.spare.push_back(std::move(piece->input));
+            piece->ready = false;
+            piece->failed = false;
+            c.spare.push_back(std::move(piece));
         }
     }
 }
@@ -336,8 +338,8 @@ void ZipWriter::writePiece(Piece& piece)
         Entry& entry = m_entries.back();
         entry.crc = quint32(crc32_combine(entry.crc, piece.crc, z_off_t(piece.input.size())));
         entry.size += piece.input.size();
-        entry.compressedSize += piece.output.size();
-        put(piece.output.data(), qint64(piece.output.size()));
+        entry.compressedSize += piece.outputSize;
+        put(piece.output.data(), qint64(piece.outputSize));
         break;
     }
     case Piece::End:
