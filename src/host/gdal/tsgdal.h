@@ -36,10 +36,16 @@ class TsGdalLayerState;
 // One field of a layer created from code.
 struct TsGdalFieldDefinition
 {
+    TsGdalFieldDefinition(const QString& fieldName, TsField::FieldType fieldType = TsField::StringField,
+                          const QString& alias = QString(), unsigned decimals = 0)
+        : name(fieldName), type(fieldType), aliasName(alias), precision(decimals)
+    {
+    }
+
     QString name;
-    TsField::FieldType type = TsField::StringField;
+    TsField::FieldType type;
     QString aliasName;       // kept where the format has alternative names
-    unsigned precision = 0;  // decimals of a floating field
+    unsigned precision;      // decimals of a floating field
 };
 
 // An opened GDAL data source (vector or raster), counted like the other host objects.

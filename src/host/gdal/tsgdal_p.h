@@ -154,6 +154,8 @@ public:
 
     // Empty when OGR is given no attribute filter.
     const QByteArray& ogrClause() const { return m_ogrClause; }
+    // The field the OGR clause compares, -1 without one.
+    int ogrFieldIndex() const { return m_ogrClause.isEmpty() ? -1 : m_fieldIndex; }
     // For a clause OGR refused: compare here instead.
     void evaluateHere();
     // Whether features must be read in full to be admitted.

@@ -34,6 +34,33 @@ QString openFailure(const QString& path, TsGdalDataSource::OpenMode mode, const 
     return path + QStringLiteral(": the %1 driver cannot open it").arg(format) + trap.reason();
 }
 
+bool isCsv(const QString& path)
+{
+    return QFileInfo(path).suffix().compare(QLatin1String("csv"), Qt::CaseInsensitive) == 0;
+}
+
+// Text files of points open as point layers when their columns are named
+// like coordinates (the columns CSV point layers are written with among
+// them), and as tables otherwise.
+CPLStringList openOptionsFor(const QString& path)
+{
+    CPLStringList options;
+    if (isCsv(path)) {
+        options.SetNameValue("X_POSSIBLE_NAMES", "X,LON,LONG,LONGITUDE,EASTING");
+        options.SetNameValue("Y_POSSIBLE_NAMES", "Y,LAT,LATITUDE,NORTHING");
+        options.SetNameValue("Z_POSSIBLE_NAMES", "Z,HEIGHT,ELEVATION");
+        options.SetNameValue("KEEP_GEOM_COLUMNS", "NO");
+    }
+    return options;
+}
+
+// A CSV file of regularly spaced points would otherwise open as a grid.
+unsigned openFlagsFor(const QString& path, TsGdalDataSource::OpenMode mode)
+{
+    const unsigned kinds = isCsv(path) ? GDAL_OF_VECTOR : GDAL_OF_VECTOR | GDAL_OF_RASTER;
+    return kinds | (mode == TsGdalDataSource::Update ? GDAL_OF_UPDATE : GDAL_OF_READONLY);
+}
+
 OGRwkbGeometryType geometryTypeFor(TsLayer::LayerType type)
 {
     switch (type) {
@@ -123,10 +150,9 @@ TsRefPtr<TsGdalDataSource> TsGdalDataSource::open(const QString& path, OpenMode 
         return nullptr;
     }
     TsGdalErrorTrap trap;
-    const unsigned flags = GDAL_OF_VECTOR | GDAL_OF_RASTER
-                         | (mode == Update ? GDAL_OF_UPDATE : GDAL_OF_READONLY);
-    auto* dataset = static_cast<GDALDataset*>(
-        GDALOpenEx(path.toUtf8().constData(), flags, nullptr, nullptr, nullptr));
+    const CPLStringList options = openOptionsFor(path);
+    auto* dataset = static_cast<GDALDataset*>(GDALOpenEx(
+        path.toUtf8().constData(), openFlagsFor(path, mode), nullptr, options.List(), nullptr));
     if (!dataset) {
         setError(error, openFailure(path, mode, trap));
         return nullptr;

@@ -5,6 +5,8 @@
 
 #include "tsgdal_p.h"
 
+#include <limits>
+
 namespace VyObjects {
 
 namespace {
@@ -22,8 +24,9 @@ void applyAttributeFilter(OGRLayer& layer, TsGdalFilter& filter)
 }
 
 // Reading only the ids skips the attributes and shapes, which most of a
-// search's time goes to on wide layers.
-void ignoreAllFields(OGRLayer& layer, bool ignore)
+// search's time goes to on wide layers. Drivers that leave the attribute
+// filter to OGR still need the field it compares.
+void ignoreFields(OGRLayer& layer, bool ignore, int filteredField)
 {
     if (!ignore) {
         layer.SetIgnoredFields(nullptr);
@@ -31,14 +34,22 @@ void ignoreAllFields(OGRLayer& layer, bool ignore)
     }
     OGRFeatureDefn& definition = *layer.GetLayerDefn();
     CPLStringList names;
-    for (int i = 0; i < definition.GetFieldCount(); ++i)
-        names.AddString(definition.GetFieldDefn(i)->GetNameRef());
+    for (int i = 0; i < definition.GetFieldCount(); ++i) {
+        if (i != filteredField)
+            names.AddString(definition.GetFieldDefn(i)->GetNameRef());
+    }
     names.AddString("OGR_GEOMETRY");
     names.AddString("OGR_STYLE");
     layer.SetIgnoredFields(const_cast<const char**>(names.List()));
 }
 
 } // namespace
+
+bool TsGdalLayerState::isReading(const OGRLayer* layer, std::uint64_t reader) const
+{
+    const auto found = m_readers.find(layer);
+    return found != m_readers.end() && found->second == reader;
+}
 
 TsGdalFeatureReader::TsGdalFeatureReader(const TsRefPtr<TsGdalDataSource>& source, OGRLayer* layer,
                                          const TsRefPtr<TsFields>& fields, TsGdalFilter filter)
@@ -88,7 +99,7 @@ bool searchIds(const TsRefPtr<TsGdalDataSource>& source, OGRLayer* layer,
     layer->SetSpatialFilter(nullptr);
     applyAttributeFilter(*layer, filter);
     const bool idsOnly = !filter.needsValues();
-    ignoreAllFields(*layer, idsOnly);
+    ignoreFields(*layer, idsOnly, filter.ogrFieldIndex());
     layer->ResetReading();
     while (OGRFeatureUniquePtr feature{layer->GetNextFeature()}) {
         const GIntBig fid = feature->GetFID();
@@ -98,7 +109,7 @@ bool searchIds(const TsRefPtr<TsGdalDataSource>& source, OGRLayer* layer,
             ids.push_back(static_cast<int>(fid));
     }
     if (idsOnly)
-        ignoreAllFields(*layer, false);
+        ignoreFields(*layer, false, -1);
     return true;
 }
 
