@@ -1,24 +1,29 @@
-// Times the feature layer export of a large in-memory layer against the workbook engine
-// writing the same cells (same texts, same formats, same write calls) and saving them on
-// its own, and prints both times and their ratio. The export's overhead is what the
-// ratio shows: reading the layer, turning values into text, the progress dialog.
+// The attribute exports of a large in-memory point layer (ten fields of the usual kinds),
+// each beside the workbook engine writing the same cells with the same formats on its
+// own. The export's overhead over the engine is what the two phases show: reading the
+// layer, turning values into text, the progress dialog.
 //
-//     bench_export [features] [rounds]      defaults: 200000 features, 3 rounds
+//     bench_export layer|layer-engine|xyz|xyz-engine <features> <output.xlsx>
+//
+// layer: export2Excel of the layer; xyz: export2ExcelHasXYZ with the columns X, Y and
+// the ten fields. The -engine modes work the cells out before the clock starts and then
+// time the engine alone.
 
 #include "vygisutil.h"
 
+#include "benchclock.h"
+
+#include "tsgeo.h"
 #include "tsmemorylayer.h"
 #include "vyapplication.h"
 #include "xlsxdocument.h"
 
 #include <QColor>
-#include <QElapsedTimer>
 #include <QObject>
-#include <QTemporaryDir>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <vector>
 
 using namespace VyObjects;
@@ -27,10 +32,9 @@ namespace {
 
 constexpr int kFieldCount = 10;
 
-// Ten fields of the usual kinds: identifiers, codes, names, measures and dates.
 TsRefPtr<TsMemoryFeatureLayer> parcels(int featureCount)
 {
-    auto layer = TsRefPtr<TsMemoryFeatureLayer>::create("Parcels", TsLayer::PolygonLayer);
+    auto layer = TsRefPtr<TsMemoryFeatureLayer>::create("Parcels", TsLayer::PointLayer);
     layer->AddField("ID", TsField::IntegerField, "Identifier");
     layer->AddField("CODE", TsField::StringField, "Parcel code");
     layer->AddField("OWNER", TsField::StringField, "Owner");
@@ -42,6 +46,8 @@ TsRefPtr<TsMemoryFeatureLayer> parcels(int featureCount)
     layer->AddField("SURVEYED", TsField::DateField, "Survey date");
     layer->AddField("NOTE", TsField::StringField, "Note");
     for (int i = 0; i < featureCount; ++i) {
+        const TsRefPtr<TsGeometry> point =
+            TsRefPtr<TsGeoPoint>::create(500000.0 + i * 0.25, 4000000.0 - i * 0.125);
         layer->AddFeature({std::int32_t(i + 1),
                            TsString((QStringLiteral("P-%1").arg(i, 7, 10, QLatin1Char('0')))
                                         .toStdWString()),
@@ -50,7 +56,8 @@ TsRefPtr<TsMemoryFeatureLayer> parcels(int featureCount)
                            std::int32_t(i % 12), std::int64_t(150000) + i * 13,
                            float(i % 45) / 3.0f,
                            TsVariant::fromDateTime(1500000000000LL + std::int64_t(i) * 86400000LL),
-                           i % 3 == 0 ? "checked" : ""});
+                           i % 3 == 0 ? "checked" : ""},
+                          point);
     }
     return layer;
 }
@@ -66,24 +73,30 @@ QString textOf(const TsVariant& value)
 // Everything the engine is asked to write, worked out before the clock starts.
 struct Cells
 {
-    QString title;
     QStringList headers;
-    std::vector<QString> texts;   // row after row, kFieldCount per feature
+    int width = 0;
+    std::vector<QString> texts;   // row after row, width per feature
 };
 
-Cells cellsOf(TsMemoryFeatureLayer& layer)
+Cells cellsOf(TsMemoryFeatureLayer& layer, bool withCoordinates)
 {
     Cells cells;
-    cells.title = QString::fromStdWString(layer.GetLayerName().toStdWString()) + "_"
-                  + QObject::tr("attribute table");
+    if (withCoordinates)
+        cells.headers << QStringLiteral("X") << QStringLiteral("Y");
     const TsRefPtr<TsFields> fields = layer.GetFields();
     for (int i = 0; i < fields->GetFieldCount(); ++i)
         cells.headers.append(
             QString::fromStdWString(fields->GetField(i)->GetName().toStdWString()));
-    cells.texts.reserve(static_cast<std::size_t>(layer.FeatureCount()) * kFieldCount);
+    cells.width = cells.headers.size();
+    cells.texts.reserve(static_cast<std::size_t>(layer.FeatureCount()) * cells.width);
     const TsRefPtr<TsFeatureCursor> cursor = layer.GetFeatureCursor(TsQueryFilter());
     for (TsRefPtr<TsFeature> feature = cursor->NextFeature(); feature;
          feature = cursor->NextFeature()) {
+        if (withCoordinates) {
+            const TsRefPtr<TsGeoPoint> point = feature->GetGeometry().dynamicCast<TsGeoPoint>();
+            cells.texts.push_back(VyApplication::doubleToQString(point->GetX(), 8));
+            cells.texts.push_back(VyApplication::doubleToQString(point->GetY(), 8));
+        }
         for (int i = 0; i < kFieldCount; ++i) {
             TsVariant value;
             feature->GetValue(i, value);
@@ -93,7 +106,8 @@ Cells cellsOf(TsMemoryFeatureLayer& layer)
     return cells;
 }
 
-bool engineAlone(const Cells& cells, const QString& path)
+// The feature layer export's sheet: merged title, grey header, centred data.
+bool engineLikeLayerExport(const Cells& cells, const QString& path)
 {
     QXlsx::Document document;
     QXlsx::Format centred;
@@ -103,64 +117,74 @@ bool engineAlone(const Cells& cells, const QString& path)
     QXlsx::Format grey = centred;
     grey.setPatternBackgroundColor(QColor(QStringLiteral("#cccccc")));
 
-    document.mergeCells(QXlsx::CellRange(1, 1, 1, kFieldCount), QXlsx::Format());
+    document.mergeCells(QXlsx::CellRange(1, 1, 1, cells.width), QXlsx::Format());
     document.setRowHeight(1, 30.0);
-    document.write(1, 1, cells.title, centred);
-    for (int k = 0; k < kFieldCount; ++k)
+    document.write(1, 1, QStringLiteral("Parcels_attribute table"), centred);
+    for (int k = 0; k < cells.width; ++k)
         document.write(2, k + 1, cells.headers.at(k), grey);
-    const std::size_t rows = cells.texts.size() / kFieldCount;
+    const std::size_t rows = cells.texts.size() / cells.width;
     for (std::size_t r = 0; r < rows; ++r) {
-        for (int k = 0; k < kFieldCount; ++k) {
-            const QString& text = cells.texts[r * kFieldCount + static_cast<std::size_t>(k)];
-            document.write(static_cast<int>(r) + 3, k + 1, text, centred);
-        }
+        for (int k = 0; k < cells.width; ++k)
+            document.write(static_cast<int>(r) + 3, k + 1, cells.texts[r * cells.width + k],
+                           centred);
     }
     return document.saveAs(path);
 }
 
-double medianOf(std::vector<double> values)
+// The coordinate export's plain sheet: headers in row 1, data from row 2, no formats.
+bool engineLikeCoordinateExport(const Cells& cells, const QString& path)
 {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
+    QXlsx::Document document;
+    for (int k = 0; k < cells.width; ++k)
+        document.write(1, k + 1, cells.headers.at(k));
+    const std::size_t rows = cells.texts.size() / cells.width;
+    for (std::size_t r = 0; r < rows; ++r) {
+        for (int k = 0; k < cells.width; ++k)
+            document.write(static_cast<int>(r) + 2, k + 1, cells.texts[r * cells.width + k]);
+    }
+    return document.saveAs(path);
+}
+
+std::vector<QString> coordinateColumns()
+{
+    return {"X", "Y", "ID", "CODE", "OWNER", "AREA", "PERIMETER",
+            "CLASS", "VALUE", "SLOPE", "SURVEYED", "NOTE"};
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    const int featureCount = argc > 1 ? std::atoi(argv[1]) : 200000;
-    const int rounds = argc > 2 ? std::max(1, std::atoi(argv[2])) : 3;
-    QTemporaryDir dir;
-    const QString enginePath = dir.filePath("engine.xlsx");
-    const QString exportPath = dir.filePath("export.xlsx");
+    const char* usage = "usage: bench_export layer|layer-engine|xyz|xyz-engine <features> <output.xlsx>\n";
+    if (argc != 4)
+        return std::fprintf(stderr, "%s", usage), 2;
+    const std::string mode = argv[1];
+    const int featureCount = std::atoi(argv[2]);
+    const QString path = QString::fromLocal8Bit(argv[3]);
 
+    bench::Stopwatch clock;
     const TsRefPtr<TsMemoryFeatureLayer> layer = parcels(featureCount);
-    const Cells cells = cellsOf(*layer);
-    std::printf("%d features x %d fields = %zu data cells, %d rounds\n", featureCount,
-                kFieldCount, cells.texts.size(), rounds);
-
-    std::vector<double> engineTimes, exportTimes;
-    for (int round = 0; round < rounds; ++round) {
-        QElapsedTimer clock;
-        clock.start();
-        if (!engineAlone(cells, enginePath))
-            return std::fprintf(stderr, "engine save failed\n"), 1;
-        engineTimes.push_back(clock.nsecsElapsed() / 1e9);
-
-        clock.restart();
-        if (!VyExcelUtil::export2Excel(exportPath, layer.get(), false, QSet<int>()))
-            return std::fprintf(stderr, "export failed\n"), 1;
-        exportTimes.push_back(clock.nsecsElapsed() / 1e9);
-        std::printf("round %d: engine %.3f s, export %.3f s\n", round + 1, engineTimes.back(),
-                    exportTimes.back());
+    clock.report("build-layer");
+    bool saved = false;
+    if (mode == "layer") {
+        saved = VyExcelUtil::export2Excel(path, layer.get(), false, QSet<int>());
+        clock.report("export");
+    } else if (mode == "xyz") {
+        saved = VyExcelUtil::export2ExcelHasXYZ(path, layer.get(), coordinateColumns(), false,
+                                                QSet<int>());
+        clock.report("export");
+    } else if (mode == "layer-engine" || mode == "xyz-engine") {
+        const bool coordinates = mode == "xyz-engine";
+        const Cells cells = cellsOf(*layer, coordinates);
+        clock.report("prepare-cells");
+        saved = coordinates ? engineLikeCoordinateExport(cells, path)
+                            : engineLikeLayerExport(cells, path);
+        clock.report("engine");
+    } else {
+        return std::fprintf(stderr, "%s", usage), 2;
     }
-    const double engine = medianOf(engineTimes);
-    const double exported = medianOf(exportTimes);
-    std::printf("median: engine alone %.3f s, feature layer export %.3f s, ratio %.2f\n", engine,
-                exported, exported / engine);
-    const double fastestEngine = *std::min_element(engineTimes.begin(), engineTimes.end());
-    const double fastestExport = *std::min_element(exportTimes.begin(), exportTimes.end());
-    std::printf("best:   engine alone %.3f s, feature layer export %.3f s, ratio %.2f\n",
-                fastestEngine, fastestExport, fastestExport / fastestEngine);
+    if (!saved)
+        return std::fprintf(stderr, "the workbook was not saved\n"), 1;
+    bench::reportFigure("cells", double(featureCount) * (mode[0] == 'x' ? 12 : kFieldCount));
     return 0;
 }

@@ -1,23 +1,24 @@
 // Times the attribute join of a large workbook into a feature layer of the same size:
 // the time to open the workbook and read every cell on its own, and the whole join
 // (opening, indexing, matching every feature and writing its attributes in one edit
-// operation). The difference is what the join itself costs.
+// operation). The difference is what the join itself costs. Each round prints a "read"
+// and a "join" phase.
 //
 //     bench_join [rows] [rounds]      defaults: 100000 rows and features, 3 rounds
 
 #include "vygisutil.h"
 
+#include "benchclock.h"
+
 #include "tsmemorylayer.h"
 #include "xlsxdocument.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QTemporaryDir>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <vector>
 
 using namespace VyObjects;
 
@@ -78,12 +79,6 @@ qint64 readEveryCell(const QString& path)
     return characters;
 }
 
-double medianOf(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
 } // namespace
 
 int main(int argc, char** argv)
@@ -93,30 +88,23 @@ int main(int argc, char** argv)
     const int rounds = argc > 2 ? std::max(1, std::atoi(argv[2])) : 3;
     QTemporaryDir dir;
     const QString path = dir.filePath("join.xlsx");
+    bench::Stopwatch clock;
     if (!writeWorkbook(rowCount, path))
         return std::fprintf(stderr, "could not write the workbook\n"), 1;
-    std::printf("%d rows x %d columns joined into %d features, %d rounds\n", rowCount,
-                kColumnCount, rowCount, rounds);
+    clock.report("make-workbook");
 
-    std::vector<double> readTimes, joinTimes;
     for (int round = 0; round < rounds; ++round) {
         const TsRefPtr<TsMemoryFeatureLayer> layer = parcels(rowCount);
-        QElapsedTimer clock;
-        clock.start();
+        clock.restart();
         if (readEveryCell(path) == 0)
             return std::fprintf(stderr, "the workbook reads empty\n"), 1;
-        readTimes.push_back(clock.nsecsElapsed() / 1e9);
-
-        clock.restart();
+        clock.report("read");
         if (!VyExcelUtil::assocationFromExcel(path, "code", layer.get(), {{"AREA", "AREA"}}))
             return std::fprintf(stderr, "join failed\n"), 1;
-        joinTimes.push_back(clock.nsecsElapsed() / 1e9);
+        clock.report("join");
         if (layer->AttributeChanges() != rowCount * (kColumnCount - 1))
             return std::fprintf(stderr, "join changed %d attributes\n", layer->AttributeChanges()), 1;
-        std::printf("round %d: read workbook %.3f s, whole join %.3f s\n", round + 1,
-                    readTimes.back(), joinTimes.back());
     }
-    std::printf("median: read workbook %.3f s, whole join %.3f s\n", medianOf(readTimes),
-                medianOf(joinTimes));
+    bench::reportFigure("rows", rowCount);
     return 0;
 }

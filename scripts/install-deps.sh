@@ -15,7 +15,7 @@ packages=(
   python3 python3-openpyxl libreoffice-calc-nogui
 )
 case "${1:-}" in
-  --bench) packages+=(libxlsxwriter-dev python3-xlsxwriter libbenchmark-dev valgrind) ;;
+  --bench) packages+=(libxlsxwriter-dev python3-xlsxwriter libbenchmark-dev valgrind xlsx2csv) ;;
   # libFuzzer and the sanitizer runtimes come with clang.
   --fuzz) packages+=(clang-14 libclang-rt-14-dev) ;;
 esac

@@ -1,0 +1,484 @@
+#!/usr/bin/python3
+"""Runs the benchmark workloads as separate processes, beside the peer programs on the
+same input in the same run, and prints one table. Started by scripts/bench.sh, which
+builds the programs first; bench/README.md tells what each workload measures.
+
+Every process is timed from outside (wall clock, user and system CPU, peak resident set
+from wait4), so peak memory is that of one workload. Our programs also print the phases
+they time themselves ("phase <name> wall <s> cpu <s>"), which the export, join and
+elevation workloads compare.
+"""
+
+import argparse
+import datetime
+import os
+import platform
+import re
+import shutil
+import signal
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+PEERS = os.path.join(HERE, "peers")
+PYTHON = "/usr/bin/python3"   # the interpreter with openpyxl and XlsxWriter
+WORKLOADS = ["write", "read", "export", "join", "elevation", "dxf", "vygis"]
+
+
+class Run:
+    """One finished (or stopped) process: its times, its peak memory and what it printed."""
+
+    def __init__(self, wall, user, system, peak, code, output, timed_out):
+        self.wall, self.user, self.system = wall, user, system
+        self.cpu = user + system
+        self.peak = peak          # bytes
+        self.code, self.output, self.timed_out = code, output, timed_out
+        self.phases, self.figures = {}, {}
+        for line in output.splitlines():
+            words = line.split()
+            if len(words) == 6 and words[0] == "phase":
+                self.phases.setdefault(words[1], []).append((float(words[3]), float(words[5])))
+            elif len(words) == 3 and words[0] == "figure":
+                self.figures[words[1]] = float(words[2])
+
+    @property
+    def ok(self):
+        return self.code == 0 and not self.timed_out
+
+    def phase(self, name):
+        """(wall, cpu) of a phase, the median when it ran several times."""
+        runs = self.phases.get(name, [])
+        if not runs:
+            return None
+        return (statistics.median(r[0] for r in runs), statistics.median(r[1] for r in runs))
+
+
+def run(command, timeout, scratch, env=None):
+    """Runs command in its own process group, stopping it after timeout seconds."""
+    out_path = os.path.join(scratch, "last-output.txt")
+    environment = dict(os.environ, QT_QPA_PLATFORM="offscreen", **(env or {}))
+    with open(out_path, "w") as out:
+        start = time.monotonic()
+        process = subprocess.Popen(command, stdout=out, stderr=subprocess.STDOUT,
+                                   env=environment, start_new_session=True, cwd=scratch)
+        timed_out = False
+        while True:
+            pid, status, usage = os.wait4(process.pid, os.WNOHANG)
+            if pid:
+                break
+            if time.monotonic() - start > timeout:
+                timed_out = True
+                os.killpg(process.pid, signal.SIGKILL)
+                pid, status, usage = os.wait4(process.pid, 0)
+                break
+            time.sleep(0.02)
+        wall = time.monotonic() - start
+    process.returncode = os.waitstatus_to_exitcode(status)
+    with open(out_path, errors="replace") as out:
+        output = out.read()
+    result = Run(wall, usage.ru_utime, usage.ru_stime, usage.ru_maxrss * 1024,
+                 process.returncode, output, timed_out)
+    if not result.ok:
+        reason = "stopped after %d s" % timeout if timed_out else "exit %d" % result.code
+        print("  ! %s: %s\n%s" % (" ".join(command[:3]), reason, output[-2000:]),
+              file=sys.stderr)
+    return result
+
+
+def remove(path):
+    if os.path.isdir(path):
+        shutil.rmtree(path, ignore_errors=True)
+    elif os.path.exists(path):
+        os.remove(path)
+
+
+def fmt_count(n):
+    for size, suffix in ((1e6, "M"), (1e3, "k")):
+        if n >= size:
+            value = n / size
+            return ("%d%s" if value == int(value) else "%.1f%s") % (value, suffix)
+    return str(int(n))
+
+
+def fmt_mb(n):
+    return "%.0f MB" % (n / 1e6)
+
+
+class Table:
+    """The rows of the report, printed as they come and again together at the end."""
+
+    HEADER = "%-34s %9s %9s %9s %9s  %s" % ("workload / program", "wall s", "cpu s", "peak",
+                                            "B/cell", "against the target")
+
+    def __init__(self):
+        self.lines = []
+
+    def section(self, title):
+        self.add("")
+        self.add("== " + title)
+
+    def add(self, line):
+        self.lines.append(line)
+        print(line, flush=True)
+
+    def row(self, label, wall=None, cpu=None, peak=None, per_cell=None, note=""):
+        cell = lambda v, f: (f % v) if v is not None else "-"
+        self.add("%-34s %9s %9s %9s %9s  %s" % (
+            label, cell(wall, "%.2f"), cell(cpu, "%.2f"),
+            fmt_mb(peak) if peak is not None else "-", cell(per_cell, "%.0f"), note))
+
+    def run_row(self, label, result, cells=None, baseline=None, note=""):
+        if not result.ok:
+            self.row(label, note="FAILED (%s)" % ("timed out" if result.timed_out
+                                                 else "exit %d" % result.code))
+            return
+        per_cell = None
+        if cells and baseline is not None:
+            per_cell = max(result.peak - baseline, 0) / cells
+        self.row(label, result.wall, result.cpu, result.peak, per_cell, note)
+
+
+def verdict(value, limit, smaller=True):
+    good = value <= limit if smaller else value >= limit
+    return "PASS" if good else "MISS"
+
+
+def ratio_note(ours, peer, limit, what):
+    """Our time over the peer's, by CPU time (the verdict) and by wall time."""
+    cpu = ours.cpu / peer.cpu if peer.cpu > 0 else float("inf")
+    wall = ours.wall / peer.wall if peer.wall > 0 else float("inf")
+    return "%s: %.3f cpu (%.3f wall), target <= %.2f %s" % (what, cpu, wall, limit,
+                                                             verdict(cpu, limit))
+
+
+class Bench:
+    def __init__(self, options):
+        self.o = options
+        self.bin = os.path.join(options.build_dir, "bench")
+        self.scratch = tempfile.mkdtemp(prefix="vygis-bench-", dir=options.scratch)
+        self.table = Table()
+        self.written = {}   # cells -> our workbook of that size, for the read workload
+        q = options.quick
+        self.sizes = [200_000, 2_000_000] if q else [2_000_000, 20_000_000]
+        self.features = 100_000 if q else 1_000_000
+        self.join_rows = 10_000 if q else 100_000
+        self.points = 10_000 if q else 100_000
+        self.grid = 1000 if q else 4000
+        # A peer runs at the larger size only when ten times its time at the smaller one
+        # stays under this; every process is stopped after timeout seconds.
+        self.projection_limit = 60 if q else 300
+        self.timeout = 300 if q else 900
+
+    def path(self, name):
+        return os.path.join(self.scratch, name)
+
+    def ours(self, program, *arguments, timeout=None):
+        return run([os.path.join(self.bin, program)] + [str(a) for a in arguments],
+                   timeout or self.timeout, self.scratch)
+
+    def peer(self, command, timeout=None):
+        return run(command, timeout or self.timeout, self.scratch)
+
+    # --- 1. writing -----------------------------------------------------------------
+
+    def write_peers(self):
+        peers = []
+        lxw = os.path.join(self.bin, "libxlsxwriter_write")
+        if os.path.exists(lxw):
+            peers.append(("libxlsxwriter constant-mem", lambda n, out: [lxw, n, out, "constant"]))
+            peers.append(("libxlsxwriter default", lambda n, out: [lxw, n, out]))
+        peers.append(("XlsxWriter (Python)",
+                      lambda n, out: [PYTHON, os.path.join(PEERS, "xlsxwriter_write.py"), n, out]))
+        peers.append(("openpyxl write-only",
+                      lambda n, out: [PYTHON, os.path.join(PEERS, "openpyxl_write.py"), n, out]))
+        if shutil.which("ogr2ogr"):
+            peers.append(("GDAL ogr2ogr CSV->XLSX", "gdal"))
+        return peers
+
+    def write_with_gdal(self, cells, out):
+        csv_path = self.path("cells-%d.csv" % cells)
+        if not os.path.exists(csv_path):
+            subprocess.run([PYTHON, os.path.join(PEERS, "cells_csv.py"), str(cells), csv_path],
+                           check=True)
+        result = self.peer(["ogr2ogr", "-f", "XLSX", out, csv_path])
+        remove(csv_path)
+        return result
+
+    def bench_write(self):
+        t = self.table
+        t.section("1. Writing %s formatted text cells (title, header, rows of 10)"
+                  % " and ".join(fmt_count(n) for n in self.sizes))
+        baseline = self.ours("bench_write", 0, self.path("baseline.xlsx"))
+        self.baseline_peak = baseline.peak
+        t.add("baseline (title and header only): peak %s" % fmt_mb(baseline.peak))
+        ours_by_size, small_times, skipped = {}, {}, []
+        for index, cells in enumerate(self.sizes):
+            t.add("-- %s cells" % fmt_count(cells))
+            out = self.path("ours-%d.xlsx" % cells)
+            ours = self.ours("bench_write", cells, out)
+            ours_by_size[cells] = ours
+            if ours.ok:
+                self.written[cells] = out
+            per_cell = max(ours.peak - baseline.peak, 0) / cells if ours.ok else None
+            note = ""
+            if per_cell is not None:
+                note = "memory %.0f B/cell above baseline, target <= 80 %s" % (
+                    per_cell, verdict(per_cell, 80))
+            t.run_row("vygisutil engine", ours, cells, baseline.peak, note)
+            for name, command in self.write_peers():
+                if index > 0 and not self.projected_ok(small_times.get(name)):
+                    skipped.append((name, cells, small_times.get(name)))
+                    continue
+                peer_out = self.path("peer.xlsx")
+                remove(peer_out)
+                result = (self.write_with_gdal(cells, peer_out) if command == "gdal"
+                          else self.peer([str(a) for a in command(cells, peer_out)]))
+                remove(peer_out)
+                if index == 0:
+                    small_times[name] = result.wall if result.ok else None
+                note = ""
+                if name == "libxlsxwriter constant-mem" and result.ok and ours.ok:
+                    note = ratio_note(ours, result, 0.35, "ours/this")
+                t.run_row("  " + name, result, cells, baseline.peak, note)
+        for name, cells, small in skipped:
+            t.add("  skipped at %s: %s (%s at %s, x10 > %d s)" % (
+                fmt_count(cells), name,
+                "%.0f s" % small if small else "failed", fmt_count(self.sizes[0]),
+                self.projection_limit))
+        small, large = (ours_by_size.get(n) for n in self.sizes)
+        if small and large and small.ok and large.ok:
+            factor = self.sizes[1] / self.sizes[0]
+            cpu, wall = large.cpu / small.cpu, large.wall / small.wall
+            t.add("scaling %s/%s: %.2fx cpu (%.2fx wall), target <= %.0fx %s" % (
+                fmt_count(self.sizes[1]), fmt_count(self.sizes[0]), cpu, wall,
+                1.1 * factor, verdict(cpu, 1.1 * factor)))
+
+    def projected_ok(self, small_time):
+        return small_time is not None and small_time * 10 <= self.projection_limit
+
+    # --- 2. reading -----------------------------------------------------------------
+
+    def bench_read(self):
+        t = self.table
+        t.section("2. Reading our workbooks back")
+        if not self.written:
+            for cells in self.sizes:
+                out = self.path("ours-%d.xlsx" % cells)
+                if self.ours("bench_write", cells, out).ok:
+                    self.written[cells] = out
+        empty = self.path("baseline.xlsx")
+        if not os.path.exists(empty):
+            self.ours("bench_write", 0, empty)
+        baseline = self.ours("bench_read", "data", empty)
+        t.add("baseline (reading the title and header only): peak %s" % fmt_mb(baseline.peak))
+        soffice = shutil.which("soffice")
+        if soffice:   # its first start makes a profile: not part of any timing
+            self.peer(self.libreoffice_command(soffice, empty, self.path("lo-warm")))
+        small_times, skipped = {}, []
+        for index, cells in enumerate(self.sizes):
+            source = self.written.get(cells)
+            if not source:
+                continue
+            t.add("-- %s cells (%s)" % (fmt_count(cells), fmt_mb(os.path.getsize(source))))
+            data = self.ours("bench_read", "data", source)
+            by_cell = self.ours("bench_read", "cells", source)
+            t.run_row("getExcelData", data, cells, baseline.peak)
+            t.run_row("open + cellAt()->value()", by_cell, cells, baseline.peak)
+            peers = [("GDAL ogr2ogr XLSX->CSV",
+                      lambda out: ["ogr2ogr", "-f", "CSV", out, source], 0.20),
+                     ("openpyxl read-only",
+                      lambda out: [PYTHON, os.path.join(PEERS, "openpyxl_read.py"), source], 0.05),
+                     ("xlsx2csv", lambda out: ["xlsx2csv", source, out], None)]
+            if soffice:
+                peers.append(("LibreOffice --convert-to csv",
+                              lambda out: self.libreoffice_command(soffice, source, out), None))
+            for name, command, limit in peers:
+                program = command("x")[0]
+                if program != PYTHON and not shutil.which(program):
+                    t.add("  %s: not installed" % name)
+                    continue
+                if index > 0 and (name.startswith("LibreOffice")
+                                  or not self.projected_ok(small_times.get(name))):
+                    skipped.append((name, cells, small_times.get(name)))
+                    continue
+                out = self.path("peer-read.csv")
+                remove(out)
+                result = self.peer(command(out))
+                remove(out)
+                if index == 0:
+                    small_times[name] = result.wall if result.ok else None
+                notes = []
+                if limit and result.ok:
+                    for label, ours in (("getExcelData", data), ("cellAt", by_cell)):
+                        if ours.ok:
+                            notes.append(ratio_note(ours, result, limit, label + "/this"))
+                t.run_row("  " + name, result, cells, baseline.peak, "; ".join(notes))
+        for name, cells, small in skipped:
+            why = ("run at the smaller size only" if name.startswith("LibreOffice") else
+                   "%s at %s, x10 > %d s" % ("%.0f s" % small if small else "failed",
+                                             fmt_count(self.sizes[0]), self.projection_limit))
+            t.add("  skipped at %s: %s (%s)" % (fmt_count(cells), name, why))
+
+    def libreoffice_command(self, soffice, source, out_dir):
+        profile = "file://" + self.path("lo-profile")
+        return [soffice, "-env:UserInstallation=" + profile, "--headless", "--convert-to",
+                "csv", "--outdir", out_dir, source]
+
+    # --- 3. exports -----------------------------------------------------------------
+
+    def bench_export(self):
+        t = self.table
+        t.section("3. Attribute exports of %s in-memory point features x 10 fields"
+                  % fmt_count(self.features))
+        out = self.path("export.xlsx")
+        for mode, label, cells in (("layer", "export2Excel (feature layer)", self.features * 10),
+                                   ("xyz", "export2ExcelHasXYZ (X, Y, 10 fields)",
+                                    self.features * 12)):
+            export = self.ours("bench_export", mode, self.features, out)
+            engine = self.ours("bench_export", mode + "-engine", self.features, out)
+            remove(out)
+            if not (export.ok and engine.ok):
+                t.run_row(label, export)
+                continue
+            ew, ec = export.phase("export")
+            gw, gc = engine.phase("engine")
+            t.row(label, ew, ec, export.peak, None,
+                  "export/engine: %.2f cpu (%.2f wall), target <= 2 %s"
+                  % (ec / gc, ew / gw, verdict(ec / gc, 2.0)))
+            t.row("  engine alone, same cells", gw, gc, engine.peak, None,
+                  "(texts made beforehand, %.2f s)" % engine.phase("prepare-cells")[0])
+
+    # --- 4. join --------------------------------------------------------------------
+
+    def bench_join(self):
+        t = self.table
+        rounds = 3
+        t.section("4. Attribute join of a %s-row workbook into %s features (median of %d)"
+                  % (fmt_count(self.join_rows), fmt_count(self.join_rows), rounds))
+        result = self.ours("bench_join", self.join_rows, rounds)
+        if not result.ok:
+            t.run_row("assocationFromExcel", result)
+            return
+        rw, rc = result.phase("read")
+        jw, jc = result.phase("join")
+        t.row("reading the workbook (every cell)", rw, rc, None)
+        t.row("assocationFromExcel, whole", jw, jc, result.peak, None,
+              "beyond reading: %.3f s cpu (%.3f s wall), target < 1 s %s"
+              % (jc - rc, jw - rw, verdict(jc - rc, 1.0)))
+
+    # --- 5. elevation ---------------------------------------------------------------
+
+    def bench_elevation(self):
+        t = self.table
+        t.section("5. Elevation report of %s points, %d x %d in-memory DEM"
+                  % (fmt_count(self.points), self.grid, self.grid))
+        out = self.path("elevation.xlsx")
+        result = self.ours("bench_elevation", self.points, out, self.grid, self.grid)
+        remove(out)
+        if not result.ok:
+            t.run_row("saveQueryElevationOutputFile", result)
+            return
+        wall, cpu = result.phase("report")
+        raster = result.figures.get("raster-seconds", 0.0)
+        share = raster / wall if wall else 0.0
+        t.row("saveQueryElevationOutputFile", wall, cpu, result.peak, None,
+              "raster reads %.3f s (%.0f%%), workbook %.3f s; raster-dominated %s"
+              % (raster, 100 * share, wall - raster, verdict(share, 0.5, smaller=False)))
+        t.add("  (GeoTIFF: waiting for the GDAL provider)")
+
+    # --- 6. DXF ---------------------------------------------------------------------
+
+    def bench_dxf(self):
+        t = self.table
+        t.section("6. DXF code page rewrite of 50 MB (median of 5, warm cache)")
+        result = self.ours("bench_dxf_rewrite", self.scratch)
+        if not result.ok:
+            t.run_row("replaceDxfCodepage", result)
+            return
+        for line in result.output.splitlines():
+            m = re.match(r"(\S+)\s+([\d.]+) MB\s+rewrite\s+([\d.]+) ms\s+cp\s+([\d.]+) ms", line)
+            if m:
+                rewrite, cp = float(m.group(3)) / 1000, float(m.group(4)) / 1000
+                t.row("replaceDxfCodepage, %s line ends" % m.group(1), rewrite, None, None,
+                      None, "cp %.3f s, rewrite/cp %.2f (wall)" % (cp, rewrite / cp))
+        t.add("  peak of the process: %s" % fmt_mb(result.peak))
+
+    # --- 7. vygis tool --------------------------------------------------------------
+
+    def bench_vygis(self):
+        t = self.table
+        t.section("7. vygis export / dump of a %s-feature GeoPackage layer"
+                  % fmt_count(self.features))
+        vygis = os.path.join(self.o.build_dir, "tools", "vygis", "vygis")
+        has_export = False
+        if os.path.exists(vygis):
+            listing = run([vygis, "--help"], 30, self.scratch).output
+            has_export = re.search(r"^\s+export\s", listing, re.M) is not None
+        if not has_export:
+            t.add("  not run: the vygis tool has no export command in this build yet")
+            return
+        t.add("  not run: the GeoPackage workload is not wired to the export command yet")
+
+    def machine(self):
+        model = "unknown CPU"
+        try:
+            with open("/proc/cpuinfo") as info:
+                for line in info:
+                    if line.startswith("model name"):
+                        model = line.split(":", 1)[1].strip()
+                        break
+        except OSError:
+            pass
+        commit = subprocess.run(["git", "-C", HERE, "rev-parse", "--short", "HEAD"],
+                                capture_output=True, text=True).stdout.strip()
+        return "%s, %d cores (%s); commit %s; %s" % (
+            model, os.cpu_count(), platform.machine(), commit,
+            datetime.datetime.now().strftime("%Y-%m-%d %H:%M"))
+
+    def run_all(self, workloads):
+        t = self.table
+        t.add("vygisutil benchmarks (%s mode): %s" % ("quick" if self.o.quick else "full",
+                                                      self.machine()))
+        t.add("load average at start: %.2f %.2f %.2f" % os.getloadavg())
+        t.add("Times are of whole processes (wall, user+sys CPU) unless a row says otherwise;")
+        t.add("verdicts use CPU time, which other work on the machine disturbs least.")
+        t.add(Table.HEADER)
+        try:
+            for name in workloads:
+                getattr(self, "bench_" + name)()
+        finally:
+            t.add("")
+            t.add("load average at end: %.2f %.2f %.2f" % os.getloadavg())
+            if not self.o.keep:
+                shutil.rmtree(self.scratch, ignore_errors=True)
+            else:
+                t.add("files kept in " + self.scratch)
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
+    parser.add_argument("--build-dir", required=True)
+    parser.add_argument("--only", default=",".join(WORKLOADS),
+                        help="comma-separated workloads: " + ", ".join(WORKLOADS))
+    parser.add_argument("--quick", action="store_true",
+                        help="a tenth of every size, shorter time limits")
+    parser.add_argument("--scratch", default=None, help="folder for the temporary files")
+    parser.add_argument("--keep", action="store_true", help="keep the temporary files")
+    parser.add_argument("--output", help="also write the table to this file")
+    options = parser.parse_args()
+    options.build_dir = os.path.abspath(options.build_dir)
+    workloads = [w.strip() for w in options.only.split(",") if w.strip()]
+    unknown = [w for w in workloads if w not in WORKLOADS]
+    if unknown:
+        parser.error("unknown workload(s): " + ", ".join(unknown))
+    bench = Bench(options)
+    bench.run_all(workloads)
+    if options.output:
+        with open(options.output, "w") as out:
+            out.write("\n".join(bench.table.lines) + "\n")
+
+
+main()
