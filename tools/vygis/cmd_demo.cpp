@@ -38,6 +38,7 @@ int runDemo(const QString& samples, const QString& output)
         {QStringLiteral("Workbooks and files"), runWorkbookSteps},
         {QStringLiteral("Reading workbooks"), runReaderSteps},
         {QStringLiteral("Field templates"), runTemplateSteps},
+        {QStringLiteral("Layers"), runLayerSteps},
         {QStringLiteral("Reports"), runReportSteps}};
     for (const auto& section : sections) {
         printLine(QStringLiteral("\n%1:").arg(section.first));

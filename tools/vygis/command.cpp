@@ -7,9 +7,10 @@
 const QList<Command>& commands()
 {
     static const QList<Command> all{
-        demoCommand(),   dumpCommand(),     createCommand(),   clearCommand(),
-        coordsCommand(), rulesCommand(),    pairsCommand(),    templateCommand(),
-        errorsCommand(), topologyCommand(), dxfCodepageCommand()};
+        demoCommand(),      exportCommand(),   exportTableCommand(), joinCommand(),
+        elevationCommand(), errorsCommand(),   topologyCommand(),    dumpCommand(),
+        coordsCommand(),    rulesCommand(),    pairsCommand(),       templateCommand(),
+        createCommand(),    clearCommand(),    dxfCodepageCommand(), layerNameCommand()};
     return all;
 }
 

@@ -37,3 +37,8 @@ Command templateCommand();
 Command errorsCommand();
 Command topologyCommand();
 Command dxfCodepageCommand();
+Command exportCommand();
+Command exportTableCommand();
+Command joinCommand();
+Command elevationCommand();
+Command layerNameCommand();

@@ -13,7 +13,12 @@ void printOverview()
     printLine(QStringLiteral("Usage: vygis <command> [arguments]\n\nCommands:"));
     for (const Command& command : commands())
         printLine(QStringLiteral("  %1  %2").arg(command.name, -14).arg(command.summary));
-    printLine(QStringLiteral("\nRun 'vygis <command> --help' for a command's arguments."));
+    printLine(QStringLiteral(
+        "\nLayers and tables are named PATH (the data source's first layer) or PATH:LAYER,\n"
+        "for example countries.gpkg:countries, in any vector format GDAL reads (GeoPackage,\n"
+        "shapefile, GeoJSON, TopoJSON, CSV, ...). Exit status: 0 on success, 1 when the\n"
+        "operation fails, 2 on wrong usage; messages go to standard error.\n\n"
+        "Run 'vygis <command> --help' for a command's arguments."));
 }
 
 const Command* findCommand(const QString& name)
