@@ -53,6 +53,11 @@ class VYGIS_GDAL_EXPORT TsGdalDataSource : public TsRefBase
 {
 public:
     enum OpenMode { ReadOnly, Update };
+    // Whether a new layer gets a spatial index where the format has one.
+    // Building it costs more than writing the features (about ten seconds
+    // per million points in a GeoPackage), and nothing the library does
+    // searches by location.
+    enum SpatialIndex { WithSpatialIndex, WithoutSpatialIndex };
 
     // Null, with *error naming the file and the problem, when path does not
     // exist, no driver reads it, or it cannot be opened in mode.
@@ -91,7 +96,8 @@ public:
     // with heights, LineLayer lines, PolygonLayer polygons, TableLayer a
     // layer without geometry (where the format has such layers).
     bool createLayer(const QString& name, TsLayer::LayerType type,
-                     const std::vector<TsGdalFieldDefinition>& fields, QString* error);
+                     const std::vector<TsGdalFieldDefinition>& fields, QString* error,
+                     SpatialIndex index = WithSpatialIndex);
     // Appends features to a layer inside one transaction; see TsGdalFeatureWriter.
     TsRefPtr<TsGdalFeatureWriter> featureWriter(const QString& layerName, QString* error);
 

@@ -115,11 +115,14 @@ void describeField(const TsGdalFieldDefinition& field, GDALDriver& driver, OGRFi
         definition.SetAlternativeName(field.aliasName.toUtf8().constData());
 }
 
-CPLStringList layerOptionsFor(const QString& driverName, TsLayer::LayerType type)
+CPLStringList layerOptionsFor(const QString& driverName, TsLayer::LayerType type,
+                              TsGdalDataSource::SpatialIndex index)
 {
     CPLStringList options;
     if (driverName == QLatin1String("CSV") && type != TsLayer::TableLayer)
         options.SetNameValue("GEOMETRY", type == TsLayer::PointLayer ? "AS_XYZ" : "AS_WKT");
+    if (driverName == QLatin1String("GPKG") && index == TsGdalDataSource::WithoutSpatialIndex)
+        options.SetNameValue("SPATIAL_INDEX", "NO");
     return options;
 }
 
@@ -284,7 +287,8 @@ TsRefPtr<TsMap> TsGdalDataSource::map() const
 // --- Writing ------------------------------------------------------------------
 
 bool TsGdalDataSource::createLayer(const QString& name, TsLayer::LayerType type,
-                                   const std::vector<TsGdalFieldDefinition>& fields, QString* error)
+                                   const std::vector<TsGdalFieldDefinition>& fields, QString* error,
+                                   SpatialIndex index)
 {
     if (m_mode == ReadOnly) {
         setError(error, m_path + QStringLiteral(": opened read-only, so no layer can be added"));
@@ -295,7 +299,7 @@ bool TsGdalDataSource::createLayer(const QString& name, TsLayer::LayerType type,
         setError(error, m_path + QStringLiteral(": already has a layer \"%1\"").arg(name));
         return false;
     }
-    const CPLStringList options = layerOptionsFor(driverName(), type);
+    const CPLStringList options = layerOptionsFor(driverName(), type, index);
     OGRLayer* layer = m_dataset->CreateLayer(name.toUtf8().constData(), nullptr, geometryTypeFor(type),
                                              const_cast<char**>(options.List()));
     if (!layer) {

@@ -35,9 +35,8 @@ std::int64_t toMsecsSinceEpoch(int year, int month, int day, int hour, int minut
 {
     const int wholeSeconds = static_cast<int>(std::floor(second));
     const int msecs = static_cast<int>(std::lround((second - wholeSeconds) * 1000.0f));
-    const QDateTime when(QDate(year, month, day), QTime(hour, minute, wholeSeconds).addMSecs(msecs),
-                         Qt::UTC);
-    std::int64_t result = when.toMSecsSinceEpoch();
+    const QDateTime when(QDate(year, month, day), QTime(hour, minute, wholeSeconds), Qt::UTC);
+    std::int64_t result = when.addMSecs(msecs).toMSecsSinceEpoch();
     if (zone > 1)
         result -= static_cast<std::int64_t>(zone - 100) * 15 * 60 * 1000;
     return result;

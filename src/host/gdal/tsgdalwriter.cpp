@@ -25,15 +25,37 @@ public:
     }
 
     // Every field gets a value, so the one feature is reused for every row.
+    // Values of the field's own type, as bulk loads hand them, need no
+    // conversion.
     void setValues(const std::vector<TsVariant>& values)
     {
         for (int i = 0; i < fields->GetFieldCount(); ++i) {
+            const auto position = static_cast<std::size_t>(i);
+            if (position >= values.size()) {
+                feature->SetFieldNull(i);
+                continue;
+            }
+            const TsVariant& value = values[position];
+            const TsField& field = *fields->GetField(i);
+            if (hasTypeOf(field, value)) {
+                writeValue(*feature, i, value);
+                continue;
+            }
             TsVariant converted;
-            if (static_cast<std::size_t>(i) < values.size())
-                fields->GetField(i)->ConvertValue(values[static_cast<std::size_t>(i)], converted);
-            else
-                converted = TsVariant::null();
+            field.ConvertValue(value, converted);
             writeValue(*feature, i, converted);
+        }
+    }
+
+    static bool hasTypeOf(const TsField& field, const TsVariant& value)
+    {
+        switch (field.GetFieldType()) {
+        case TsField::IntegerField: return value.GetType() == TsVariant::Int32Type;
+        case TsField::BigIntegerField: return value.GetType() == TsVariant::Int64Type;
+        case TsField::DoubleField: return value.GetType() == TsVariant::DoubleType;
+        case TsField::StringField: return value.GetType() == TsVariant::StringType;
+        case TsField::DateField: return value.GetType() == TsVariant::DateTimeType;
+        default: return false;
         }
     }
 
