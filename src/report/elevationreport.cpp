@@ -9,8 +9,10 @@
 #include <QObject>
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <limits>
+#include <system_error>
 #include <utility>
 
 namespace {
@@ -41,9 +43,39 @@ int cellIndex(double offset, double cellSize, double span)
                                                    : std::numeric_limits<int>::max();
 }
 
+// The digits QString::number(value, 'f', 4) gives, written after out; null when they do
+// not fit before end. Both round the exact binary value, so the texts agree; Qt's road
+// through its locale code costs more than writing the cell, for three numbers a point.
+char* appendFixed4(char* out, char* end, double value)
+{
+    if (!std::isfinite(value))
+        return nullptr;
+    // Qt writes zero without a sign, also -0.
+    const auto [last, error] = std::to_chars(out, end, value == 0.0 ? 0.0 : value,
+                                             std::chars_format::fixed, 4);
+    return error == std::errc() ? last : nullptr;
+}
+
+QString fixed4Text(double value)
+{
+    char digits[48];
+    const char* last = appendFixed4(digits, digits + sizeof digits, value);
+    return last ? QString::fromLatin1(digits, static_cast<int>(last - digits))
+                : QString::number(value, 'f', 4);
+}
+
 QString coordinateText(double x, double y)
 {
-    return QString::number(x, 'f', 4) + QLatin1Char(',') + QString::number(y, 'f', 4);
+    char text[96];
+    char* const end = text + sizeof text;
+    char* last = appendFixed4(text, end, x);
+    if (last && last < end) {
+        *last++ = ',';
+        last = appendFixed4(last, end, y);
+    }
+    if (!last)
+        return QString::number(x, 'f', 4) + QLatin1Char(',') + QString::number(y, 'f', 4);
+    return QString::fromLatin1(text, static_cast<int>(last - text));
 }
 
 // Reads single cells of an elevation model. One pixel block serves every point: the
@@ -108,7 +140,7 @@ public:
         if (!(elevation > 0.0))
             elevation = 0.0;
         const QString coordinate = coordinateText(x, y);
-        const QString height = QString::number(elevation, 'f', 4);
+        const QString height = fixed4Text(elevation);
         m_longestCoordinate = std::max(m_longestCoordinate, coordinate.size());
         m_longestElevation = std::max(m_longestElevation, height.size());
         m_document.write(m_row, 1, QString::number(m_pointNumber++), m_format);
