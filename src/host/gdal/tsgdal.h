@@ -121,7 +121,10 @@ private:
 // A feature layer over one OGR layer of a data source. Cursors read features
 // from the file as they are asked for. Edit operations are transactions of
 // the data source where the driver has them; elsewhere the layer keeps the
-// old values and writes them back when the operation is aborted.
+// old values and writes them back when the operation is aborted. Changes of
+// one feature are written together, when another feature is edited or the
+// source is read; a change the source refuses (a constraint of its table)
+// makes the whole operation fail: committing it undoes it and returns false.
 class VYGIS_GDAL_EXPORT TsGdalFeatureLayer : public TsFeatureLayer
 {
 public:

@@ -13,6 +13,7 @@
 #include <QHash>
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <unordered_map>
 
@@ -82,14 +83,25 @@ public:
     void interruptAllReading() { m_readers.clear(); }
 
     // The one edit operation or feature writer open on the data source, since
-    // a transaction spans all its layers.
+    // a transaction spans all its layers, and how it writes the change it
+    // holds back, which every read of the source must see.
     const void* operationOwner() const { return m_operationOwner; }
-    void setOperationOwner(const void* owner) { m_operationOwner = owner; }
+    void setOperationOwner(const void* owner, std::function<void()> writePending)
+    {
+        m_operationOwner = owner;
+        m_writePending = std::move(writePending);
+    }
+    void writePending() const
+    {
+        if (m_writePending)
+            m_writePending();
+    }
 
 private:
     std::uint64_t m_lastReader = 0;
     std::unordered_map<const OGRLayer*, std::uint64_t> m_readers;
     const void* m_operationOwner = nullptr;
+    std::function<void()> m_writePending;
 };
 
 // A data source's transaction, or, where the driver has none, a note of it.
@@ -235,7 +247,12 @@ public:
     bool start();
     bool commit();
     bool abort();
+    // Changes are held in the feature until another feature is edited or
+    // the source is read, so a feature whose fields change one after another
+    // is written once.
     bool changeAttribute(int featureId, const TsString& field, const TsVariant& value, bool strict);
+    void keepForEditing(OGRFeatureUniquePtr feature);
+    void writePending();
 
     TsRefPtr<TsGdalDataSource> source;
     OGRLayer* layer;
@@ -245,7 +262,6 @@ public:
 
 private:
     OGRFeature* featureToEdit(int featureId);
-    bool write(OGRFeature& feature);
     void undo();
     void close();
 
@@ -255,9 +271,9 @@ private:
     // Without a transaction, the features as they were before the operation
     // first changed them.
     std::map<GIntBig, OGRFeatureUniquePtr> m_originals;
-    // The feature edited last: a join changes several fields of one feature
-    // in a row, which then costs one read.
+    // The feature read or edited last, and whether it holds unwritten changes.
     OGRFeatureUniquePtr m_editing;
+    bool m_pending = false;
 };
 
 // Raw layer handles behind the data source's public calls.

@@ -80,7 +80,7 @@ bool TsGdalFeatureLayer::Private::start()
         return fail(reason);
     // Starting and ending transactions may end every statement reading the source.
     state.interruptAllReading();
-    state.setOperationOwner(this);
+    state.setOperationOwner(this, [this] { writePending(); });
     m_transaction = std::move(transaction);
     m_writeFailed = false;
     return true;
@@ -91,6 +91,7 @@ bool TsGdalFeatureLayer::Private::commit()
 {
     if (!m_transaction)
         return fail(QStringLiteral("no edit operation is open"));
+    writePending();
     if (m_writeFailed) {
         const QString reason = m_writeError;
         undo();
@@ -118,6 +119,7 @@ void TsGdalFeatureLayer::Private::undo()
 {
     TsGdalErrorTrap trap;
     m_editing.reset();
+    m_pending = false;
     m_transaction->rollback();
     int lost = 0;
     for (auto& original : m_originals) {
@@ -133,9 +135,10 @@ void TsGdalFeatureLayer::Private::undo()
 void TsGdalFeatureLayer::Private::close()
 {
     m_editing.reset();
+    m_pending = false;
     m_originals.clear();
     m_transaction.reset();
-    source->layerState().setOperationOwner(nullptr);
+    source->layerState().setOperationOwner(nullptr, nullptr);
     source->layerState().interruptAllReading();
 }
 
@@ -155,32 +158,46 @@ bool TsGdalFeatureLayer::Private::changeAttribute(int featureId, const TsString&
     if (!feature)
         return fail(QStringLiteral("no feature %1").arg(featureId));
     writeValue(*feature, index, converted);
-    return write(*feature);
+    m_pending = true;
+    return true;
+}
+
+void TsGdalFeatureLayer::Private::keepForEditing(OGRFeatureUniquePtr feature)
+{
+    if (m_transaction && !m_pending)
+        m_editing = std::move(feature);
 }
 
 OGRFeature* TsGdalFeatureLayer::Private::featureToEdit(int featureId)
 {
-    if (m_editing && m_editing->GetFID() == featureId)
-        return m_editing.get();
-    TsGdalErrorTrap trap;
-    m_editing.reset(layer->GetFeature(featureId));
-    if (!layer->TestCapability(OLCRandomRead))
-        source->layerState().interruptReading(layer);
+    if (!m_editing || m_editing->GetFID() != featureId) {
+        writePending();
+        TsGdalErrorTrap trap;
+        m_editing.reset(layer->GetFeature(featureId));
+        if (!layer->TestCapability(OLCRandomRead))
+            source->layerState().interruptReading(layer);
+    }
     if (m_editing && !m_transaction->isNative() && !m_originals.count(featureId))
         m_originals.emplace(featureId, OGRFeatureUniquePtr(m_editing->Clone()));
     return m_editing.get();
 }
 
-bool TsGdalFeatureLayer::Private::write(OGRFeature& feature)
+void TsGdalFeatureLayer::Private::writePending()
 {
+    if (!m_pending || !m_editing)
+        return;
+    m_pending = false;
     TsGdalErrorTrap trap;
-    if (layer->SetFeature(&feature) == OGRERR_NONE)
-        return true;
+    const OGRErr written = layer->SetFeature(m_editing.get());
+    if (!layer->TestCapability(OLCRandomRead))
+        source->layerState().interruptReading(layer);
+    if (written == OGRERR_NONE)
+        return;
     m_editing.reset();
     m_writeFailed = true;
     m_writeError = trap.lastError().isEmpty() ? QStringLiteral("the driver refused the change")
                                               : trap.lastError();
-    return fail(m_writeError);
+    fail(m_writeError);
 }
 
 // --- The public layer ---------------------------------------------------------
@@ -244,20 +261,26 @@ TsRefPtr<TsFeatureCursor> TsGdalFeatureLayer::GetFeatureCursor(const TsQueryFilt
 bool TsGdalFeatureLayer::Search(const TsQueryFilter& filter, std::vector<int>& ids)
 {
     ids.clear();
+    d->source->layerState().writePending();
     TsGdalFilter prepared;
     return d->prepare(filter, prepared)
         && searchIds(d->source, d->layer, d->fields, std::move(prepared), ids);
 }
 
+// Inside an operation the feature read is kept, since the next change is
+// most likely to be one of its fields.
 TsRefPtr<TsFeature> TsGdalFeatureLayer::GetFeature(int id)
 {
+    d->source->layerState().writePending();
     TsGdalErrorTrap trap;
-    const OGRFeatureUniquePtr feature{d->layer->GetFeature(id)};
+    OGRFeatureUniquePtr feature{d->layer->GetFeature(id)};
     if (!d->layer->TestCapability(OLCRandomRead))
         d->source->layerState().interruptReading(d->layer);
     if (!feature)
         return nullptr;
-    return makeFeature(*feature, d->fields);
+    TsRefPtr<TsFeature> read = makeFeature(*feature, d->fields);
+    d->keepForEditing(std::move(feature));
+    return read;
 }
 
 bool TsGdalFeatureLayer::StartOperation(TsEditor* /*editor*/)

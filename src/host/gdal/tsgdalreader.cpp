@@ -65,6 +65,7 @@ TsRefPtr<TsFeature> TsGdalFeatureReader::next()
 {
     if (m_finished)
         return nullptr;
+    m_source->layerState().writePending();
     if (!m_source->layerState().isReading(m_layer, m_reader))
         restart();
     TsGdalErrorTrap trap;
@@ -95,6 +96,7 @@ bool searchIds(const TsRefPtr<TsGdalDataSource>& source, OGRLayer* layer,
     TsGdalErrorTrap trap;
     ids.clear();
     TsGdalLayerState& state = source->layerState();
+    state.writePending();
     state.interruptReading(layer);
     layer->SetSpatialFilter(nullptr);
     applyAttributeFilter(*layer, filter);

@@ -80,7 +80,7 @@ public:
         open = false;
         if (!committed)
             transaction.rollback();
-        source->layerState().setOperationOwner(nullptr);
+        source->layerState().setOperationOwner(nullptr, nullptr);
         source->layerState().interruptAllReading();
     }
 
@@ -117,7 +117,7 @@ TsRefPtr<TsGdalFeatureWriter> makeGdalFeatureWriter(const TsRefPtr<TsGdalDataSou
         return nullptr;
     }
     d->open = true;
-    state.setOperationOwner(d.get());
+    state.setOperationOwner(d.get(), nullptr);
     state.interruptAllReading();
     return TsRefPtr<TsGdalFeatureWriter>(new TsGdalFeatureWriter(std::move(d)));
 }
