@@ -43,6 +43,8 @@ TEST_P(VectorFormat, WrittenPointsReadBackThroughFilters)
     EXPECT_EQ(values(*parcels, "PARCEL"), QStringList({"P-1", "P-2", "P-3", "P-4"}));
     EXPECT_EQ(values(*parcels, "PARCEL", TsQueryFilter("AREA >= 100")), QStringList({"P-1", "P-3"}));
     EXPECT_EQ(values(*parcels, "PARCEL", TsQueryFilter("OWNER = 'Bob'")), QStringList({"P-3"}));
+    EXPECT_EQ(values(*parcels, "PARCEL", TsQueryFilter("OWNER = 'bob'")), QStringList());
+    EXPECT_EQ(values(*parcels, "PARCEL", TsQueryFilter("OWNER >= 'a'")), QStringList());
     EXPECT_EQ(values(*parcels, "PARCEL", TsQueryFilter("CODE <> 2")), QStringList({"P-1", "P-3", "P-4"}));
 
     std::vector<int> ids;

@@ -159,10 +159,16 @@ bool writeGeoPackageAliases(GDALDataset& dataset, const QString& table,
 class TsGdalFilter
 {
 public:
+    // How the data source's driver compares texts in attribute filters:
+    // SQLite-based drivers as the host does, by code; the others (OGR's own
+    // SQL) ignoring case.
+    enum TextComparison { ExactText, TextIgnoringCase };
+    static TextComparison textComparisonOf(const TsGdalDataSource& source);
+
     // False, with *error, when the where clause cannot be read or names a
     // field the layer does not have.
     bool prepare(const TsQueryFilter& filter, const TsFields& fields,
-                 const OGRFeatureDefn& definition, QString* error);
+                 const OGRFeatureDefn& definition, TextComparison texts, QString* error);
 
     // Empty when OGR is given no attribute filter.
     const QByteArray& ogrClause() const { return m_ogrClause; }
@@ -178,7 +184,7 @@ private:
     enum Operator { Equal, NotEqual, Less, LessOrEqual, Greater, GreaterOrEqual, IsNull, IsNotNull };
 
     bool parse(const QString& clause);
-    bool canTranslate(TsField::FieldType type, OGRFieldType ogrType) const;
+    bool canTranslate(TsField::FieldType type, OGRFieldType ogrType, TextComparison texts) const;
     QByteArray translate(const QString& fieldName) const;
     bool admitsValue(const TsVariant& value) const;
     bool holds(int comparison) const;

@@ -55,7 +55,8 @@ bool TsGdalFeatureLayer::Private::fail(const QString& message)
 bool TsGdalFeatureLayer::Private::prepare(const TsQueryFilter& query, TsGdalFilter& prepared)
 {
     QString reason;
-    if (prepared.prepare(query, *fields, *layer->GetLayerDefn(), &reason))
+    if (prepared.prepare(query, *fields, *layer->GetLayerDefn(), TsGdalFilter::textComparisonOf(*source),
+                         &reason))
         return true;
     return fail(reason);
 }

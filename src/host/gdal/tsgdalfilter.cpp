@@ -63,8 +63,15 @@ const char* sqlOperator(int op)
 
 } // namespace
 
+TsGdalFilter::TextComparison TsGdalFilter::textComparisonOf(const TsGdalDataSource& source)
+{
+    const QString driver = source.driverName();
+    return driver == QLatin1String("GPKG") || driver == QLatin1String("SQLite") ? ExactText
+                                                                                 : TextIgnoringCase;
+}
+
 bool TsGdalFilter::prepare(const TsQueryFilter& filter, const TsFields& fields,
-                           const OGRFeatureDefn& definition, QString* error)
+                           const OGRFeatureDefn& definition, TextComparison texts, QString* error)
 {
     m_predicate = filter.GetPredicate();
     m_hasCondition = false;
@@ -84,10 +91,12 @@ bool TsGdalFilter::prepare(const TsQueryFilter& filter, const TsFields& fields,
     }
     const TsRefPtr<TsField> field = fields.GetField(m_fieldIndex);
     const OGRFieldDefn* ogrField = definition.GetFieldDefn(m_fieldIndex);
-    if (ogrField && canTranslate(field->GetFieldType(), ogrField->GetType()))
+    if (ogrField && canTranslate(field->GetFieldType(), ogrField->GetType(), texts))
         m_ogrClause = translate(qText(ogrField->GetNameRef()));
-    else
-        m_hasCondition = true;
+    // Equal texts ignoring case include the equal ones: OGR narrows the
+    // features down and the comparison here decides.
+    m_hasCondition = m_ogrClause.isEmpty() || (texts == TextIgnoringCase && !m_numeric
+                                               && m_operator == Equal);
     return true;
 }
 
@@ -147,14 +156,16 @@ bool TsGdalFilter::parse(const QString& clause)
 
 // Empty and null values satisfy no comparison, nor do they in SQL; blobs read
 // as empty for the host but not for OGR, so their null tests stay here. Times
-// of day and lists read as text for the host but are no texts to OGR.
-bool TsGdalFilter::canTranslate(TsField::FieldType type, OGRFieldType ogrType) const
+// of day and lists read as text for the host but are no texts to OGR. Where
+// OGR ignores case, only its equality helps.
+bool TsGdalFilter::canTranslate(TsField::FieldType type, OGRFieldType ogrType,
+                                TextComparison texts) const
 {
     if (m_operator == IsNull || m_operator == IsNotNull)
         return type != TsField::BlobField && type != TsField::GeometryField;
     if (m_numeric)
         return isNumericField(type) && std::isfinite(m_number);
-    return ogrType == OFTString;
+    return ogrType == OFTString && (texts == ExactText || m_operator == Equal);
 }
 
 QByteArray TsGdalFilter::translate(const QString& fieldName) const

@@ -30,7 +30,8 @@ public:
     TsRefPtr<TsRowCursor> GetRowCursor(const TsQueryFilter& filter) override
     {
         TsGdalFilter prepared;
-        if (!prepared.prepare(filter, *m_fields, *m_layer->GetLayerDefn(), nullptr))
+        if (!prepared.prepare(filter, *m_fields, *m_layer->GetLayerDefn(),
+                              TsGdalFilter::textComparisonOf(*m_source), nullptr))
             return nullptr;
         return TsRefPtr<TsRowCursor>(new TsGdalRowCursor(std::make_unique<TsGdalFeatureReader>(
             m_source, m_layer, m_fields, std::move(prepared))));
