@@ -144,10 +144,18 @@ public:
         m_longestCoordinate = std::max(m_longestCoordinate, coordinate.size());
         m_longestElevation = std::max(m_longestElevation, height.size());
         m_document.write(m_row, 1, QString::number(m_pointNumber++), m_format);
-        m_document.setColumnWidth(2, m_longestCoordinate + 10.0);
         m_document.write(m_row, 2, coordinate, m_format);
-        m_document.setColumnWidth(3, m_longestElevation + 10.0);
         m_document.write(m_row++, 3, height, m_format);
+    }
+
+    // Once, when every row is written: only the longest figures count, and a sheet
+    // without any keeps the default widths.
+    void setColumnWidths()
+    {
+        if (m_longestCoordinate == 0)
+            return;
+        m_document.setColumnWidth(2, m_longestCoordinate + 10.0);
+        m_document.setColumnWidth(3, m_longestElevation + 10.0);
     }
 
     // Messages do not widen the columns: they are sized for the figures.
@@ -206,5 +214,6 @@ bool VyExcelUtil::saveQueryElevationOutputFile(const QString& path, QStringList 
         else
             sheet.addUnknownElevation(x, y);
     }
+    sheet.setColumnWidths();
     return document.saveAs(path);
 }
