@@ -78,6 +78,27 @@ QString coordinateText(double x, double y)
     return QString::fromLatin1(text, static_cast<int>(last - text));
 }
 
+// The number QString::toDouble reads from text, 0 for a text that is not one. Plain
+// decimals ("512345.125", "-12"), which points nearly always are, are read directly and
+// rounded as Qt rounds them; anything else (blanks, signs, exponents, other scripts'
+// digits) is left to Qt, whose road through its locale code costs more than the cells.
+double numberOf(const QString& text)
+{
+    char digits[32];
+    const int length = text.size();
+    if (length == 0 || length >= static_cast<int>(sizeof digits))
+        return text.toDouble();
+    for (int i = 0; i < length; ++i) {
+        const char16_t unit = text.at(i).unicode();
+        if (!((unit >= u'0' && unit <= u'9') || unit == u'.' || (unit == u'-' && i == 0)))
+            return text.toDouble();
+        digits[i] = static_cast<char>(unit);
+    }
+    double value = 0.0;
+    const auto [end, error] = std::from_chars(digits, digits + length, value);
+    return error == std::errc() && end == digits + length ? value : text.toDouble();
+}
+
 // Reads single cells of an elevation model. One pixel block serves every point: the
 // raster refills it on each read, and a block per point would allocate in the loop.
 class ElevationModel
@@ -206,8 +227,8 @@ bool VyExcelUtil::saveQueryElevationOutputFile(const QString& path, QStringList 
             sheet.addHeading(xText + yText);
             continue;
         }
-        const double x = xText.toDouble();
-        const double y = yText.toDouble();
+        const double x = numberOf(xText);
+        const double y = numberOf(yText);
         double elevation = 0.0;
         if (model.covers(x, y) && model.elevationAt(x, y, elevation))
             sheet.addElevation(x, y, elevation);
