@@ -16,8 +16,14 @@ TsRefPtr<TsField> TsFields::GetField(int index) const
 
 int TsFields::FindFieldIndex(const TsString& name) const
 {
+    // Every value read or changed by name comes through here. Case folding maps each code
+    // unit to one code unit, so names of different lengths never match, and a name spelt
+    // exactly alike needs no folding: together these settle nearly every comparison.
     for (int i = 0; i < GetFieldCount(); ++i) {
-        if (m_fields[static_cast<std::size_t>(i)]->GetName().CompareNoCase(name) == 0)
+        const TsString& candidate = m_fields[static_cast<std::size_t>(i)]->GetName();
+        if (candidate.GetLength() != name.GetLength())
+            continue;
+        if (candidate == name || candidate.CompareNoCase(name) == 0)
             return i;
     }
     return -1;
