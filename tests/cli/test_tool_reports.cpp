@@ -70,6 +70,17 @@ TEST_F(ToolReports, ElevationReadsTextPointsAgainstTheDem)
     EXPECT_EQ(rows[16].value(2), QStringLiteral("Not within the range of Dem data!"));
 }
 
+TEST_F(ToolReports, ElevationReadsWorkbookPointsAsACoordinateTable)
+{
+    const QString report = file(QStringLiteral("elevations.xlsx"));
+    const ToolRun run = vygis({QStringLiteral("elevation"), sample(QStringLiteral("paris-outline.xlsx")),
+                               sample(QStringLiteral("dem.tif")), report});
+    EXPECT_EQ(run.status, 0) << run.err.toStdString();
+    const std::vector<QStringList> rows = sheet(report);
+    ASSERT_EQ(rows.size(), 5u);
+    EXPECT_EQ(rows[1].value(1), QStringLiteral("2.2200,48.8200"));
+}
+
 TEST_F(ToolReports, ElevationFailsOnUnreadablePointsOrRasters)
 {
     const QString report = file(QStringLiteral("elevations.xlsx"));
