@@ -27,16 +27,12 @@ inline void PrintTo(const TsVariant& value, std::ostream* out)
 
 } // namespace VyObjects
 
+// Counts from construction to destruction, so that what a derived fixture holds is
+// created after the first count and gone before the second.
 class ReferenceBalanceTest : public ::testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        m_liveObjects = VyObjects::TsRefBase::LiveObjectCount();
-        m_references = VyObjects::TsRefBase::OutstandingReferenceCount();
-    }
-
-    void TearDown() override
+    ~ReferenceBalanceTest() override
     {
         EXPECT_EQ(VyObjects::TsRefBase::LiveObjectCount(), m_liveObjects) << "objects leaked";
         EXPECT_EQ(VyObjects::TsRefBase::OutstandingReferenceCount(), m_references)
@@ -44,8 +40,8 @@ protected:
     }
 
 private:
-    long long m_liveObjects = 0;
-    long long m_references = 0;
+    const long long m_liveObjects = VyObjects::TsRefBase::LiveObjectCount();
+    const long long m_references = VyObjects::TsRefBase::OutstandingReferenceCount();
 };
 
 // A widget application for the length of one test, on the offscreen platform

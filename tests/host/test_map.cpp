@@ -17,7 +17,7 @@ std::vector<TsString> namesOf(const std::vector<TsRefPtr<TsLayer>>& layers)
 }
 } // namespace
 
-TEST_F(MapTest, HiddenLayersAreListedOnlyOnRequest)
+TEST_F(MapTest, HoldsEachLayerOnceAndListsHiddenOnesOnlyOnRequest)
 {
     const auto map = TsRefPtr<TsMap>::create();
     const auto roads = TsRefPtr<TsMemoryFeatureLayer>::create("roads", TsLayer::LineLayer);
@@ -25,18 +25,11 @@ TEST_F(MapTest, HiddenLayersAreListedOnlyOnRequest)
     labels->SetVisible(false);
     map->AddLayer(roads);
     map->AddLayer(labels);
-    EXPECT_EQ(namesOf(map->GetLayers(true)), (std::vector<TsString>{"roads", "labels"}));
-    EXPECT_EQ(namesOf(map->GetLayers(false)), (std::vector<TsString>{"roads"}));
-}
-
-TEST_F(MapTest, NullAndRepeatedLayersAreNotAdded)
-{
-    const auto map = TsRefPtr<TsMap>::create();
-    const auto roads = TsRefPtr<TsLayer>::create("roads", TsLayer::LineLayer);
-    map->AddLayer(roads);
     map->AddLayer(roads);
     map->AddLayer(TsRefPtr<TsLayer>());
-    EXPECT_EQ(map->GetLayerCount(), 1);
+    EXPECT_EQ(map->GetLayerCount(), 2);
+    EXPECT_EQ(namesOf(map->GetLayers(true)), (std::vector<TsString>{"roads", "labels"}));
+    EXPECT_EQ(namesOf(map->GetLayers(false)), (std::vector<TsString>{"roads"}));
 }
 
 TEST_F(MapTest, RemovedLayerLeavesTheMap)

@@ -10,10 +10,8 @@ namespace {
 class MemoryLayerTest : public ReferenceBalanceTest
 {
 protected:
-    void SetUp() override
+    MemoryLayerTest() : layer(TsRefPtr<TsMemoryFeatureLayer>::create("wells", TsLayer::PointLayer))
     {
-        ReferenceBalanceTest::SetUp();
-        layer = TsRefPtr<TsMemoryFeatureLayer>::create("wells", TsLayer::PointLayer);
         layer->AddField("ID", TsField::IntegerField);
         layer->AddField("NAME", TsField::StringField, "Well name");
         layer->AddField("DEPTH", TsField::DoubleField, TsString(), 2);
@@ -23,12 +21,6 @@ protected:
                           TsRefPtr<TsGeoPath>::create(TsGeometry::PolylineGeometry,
                                                       std::vector<TsPoint>{{0, 0}, {1, 1}}));
         layer->AddFeature({std::int32_t{40}, "East", 55.0});
-    }
-
-    void TearDown() override
-    {
-        layer.reset();
-        ReferenceBalanceTest::TearDown();
     }
 
     std::vector<int> walk(const TsQueryFilter& filter)
@@ -49,29 +41,30 @@ protected:
         return value;
     }
 
+    bool change(int id, const char* field, const char* text, bool strict = false)
+    {
+        return layer->layer_edit_buffer()->ChangeAttribute(id, field, TsVariant(text), strict);
+    }
+
     TsRefPtr<TsMemoryFeatureLayer> layer;
 };
 
 } // namespace
 
-TEST_F(MemoryLayerTest, CursorWalksEveryFeatureInInsertionOrder)
+TEST_F(MemoryLayerTest, CursorWalksTheFeaturesItsWhereClauseAdmitsInInsertionOrder)
 {
-    EXPECT_EQ(walk(TsQueryFilter()), (std::vector<int>{1, 2, 3, 4}));
-}
-
-TEST_F(MemoryLayerTest, WhereClauseAdmitsMatchingFeaturesOnly)
-{
-    EXPECT_EQ(walk(TsQueryFilter("DEPTH > 12.5")), (std::vector<int>{2, 4}));
-    EXPECT_EQ(walk(TsQueryFilter("name = 'South'")), (std::vector<int>{2}));
-    EXPECT_EQ(walk(TsQueryFilter("NAME <> 'South'")), (std::vector<int>{1, 4}));
-    EXPECT_EQ(walk(TsQueryFilter("NAME IS NULL")), (std::vector<int>{3}));
-    EXPECT_EQ(walk(TsQueryFilter("\"ID\" <= 20")), (std::vector<int>{1, 2}));
-}
-
-TEST_F(MemoryLayerTest, QuotedLiteralsMayHoldQuotes)
-{
-    const int id = layer->AddFeature({std::int32_t{50}, "Miller's"});
-    EXPECT_EQ(walk(TsQueryFilter("NAME = 'Miller''s'")), (std::vector<int>{id}));
+    const int quoted = layer->AddFeature({std::int32_t{50}, "Miller's"});
+    const struct { const char* clause; std::vector<int> ids; } cases[] = {
+        {"", {1, 2, 3, 4, 5}},
+        {"DEPTH > 12.5", {2, 4}},
+        {"name = 'South'", {2}},
+        {"NAME <> 'South'", {1, 4, 5}},
+        {"NAME IS NULL", {3}},
+        {"\"ID\" <= 20", {1, 2}},
+        {"NAME = 'Miller''s'", {quoted}},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(walk(TsQueryFilter(c.clause)), c.ids) << c.clause;
 }
 
 TEST_F(MemoryLayerTest, PredicateAndClauseMustBothAdmit)
@@ -85,21 +78,17 @@ TEST_F(MemoryLayerTest, PredicateAndClauseMustBothAdmit)
     EXPECT_EQ(walk(filter), (std::vector<int>{1, 2}));
 }
 
-TEST_F(MemoryLayerTest, UnreadableFilterGivesNoCursorAndNoSearch)
-{
-    for (const char* clause : {"DEPTH >", "DEPTH = 'open", "UNKNOWN = 1", "DEPTH ~ 3", "DEPTH = abc"}) {
-        EXPECT_TRUE(layer->GetFeatureCursor(TsQueryFilter(clause)).isNull()) << clause;
-        std::vector<int> ids{99};
-        EXPECT_FALSE(layer->Search(TsQueryFilter(clause), ids)) << clause;
-        EXPECT_TRUE(ids.empty()) << clause;
-    }
-}
-
-TEST_F(MemoryLayerTest, SearchReplacesIdsWithTheAdmittedOnes)
+TEST_F(MemoryLayerTest, SearchReplacesIdsWithTheAdmittedOnesOrNoneForAnUnreadableFilter)
 {
     std::vector<int> ids{99, 98};
     ASSERT_TRUE(layer->Search(TsQueryFilter("DEPTH < 50"), ids));
     EXPECT_EQ(ids, (std::vector<int>{1, 2, 3}));
+    for (const char* clause : {"DEPTH >", "DEPTH = 'open", "UNKNOWN = 1", "DEPTH ~ 3", "DEPTH = abc"}) {
+        EXPECT_TRUE(layer->GetFeatureCursor(TsQueryFilter(clause)).isNull()) << clause;
+        ids = {99};
+        EXPECT_FALSE(layer->Search(TsQueryFilter(clause), ids)) << clause;
+        EXPECT_TRUE(ids.empty()) << clause;
+    }
 }
 
 TEST_F(MemoryLayerTest, QueryFilterIsACopy)
@@ -111,16 +100,11 @@ TEST_F(MemoryLayerTest, QueryFilterIsACopy)
     EXPECT_EQ(walk(layer->query_filter()), (std::vector<int>{1}));
 }
 
-TEST_F(MemoryLayerTest, GetFeatureIsNullForUnknownIds)
+TEST_F(MemoryLayerTest, FeaturesAndFieldsAreFoundByIdAndByNameWithoutRegardToCase)
 {
-    EXPECT_TRUE(layer->GetFeature(0).isNull());
-    EXPECT_TRUE(layer->GetFeature(-1).isNull());
-    EXPECT_TRUE(layer->GetFeature(5).isNull());
+    for (int unknown : {0, -1, 5})
+        EXPECT_TRUE(layer->GetFeature(unknown).isNull()) << unknown;
     EXPECT_FALSE(layer->GetFeature(4).isNull());
-}
-
-TEST_F(MemoryLayerTest, FieldsAreFoundWithoutRegardToCase)
-{
     const TsRefPtr<TsField> depth = layer->FindField("depth");
     ASSERT_FALSE(depth.isNull());
     EXPECT_EQ(depth->GetName(), TsString("DEPTH"));
@@ -130,7 +114,7 @@ TEST_F(MemoryLayerTest, FieldsAreFoundWithoutRegardToCase)
     EXPECT_TRUE(layer->GetFields()->GetField(3).isNull());
 }
 
-TEST_F(MemoryLayerTest, ValuesTakeTheTypeOfTheirField)
+TEST_F(MemoryLayerTest, ValuesTakeTheTypeOfTheirFieldAndMissingOnesReadAsEmpty)
 {
     const TsRefPtr<TsFeature> feature = layer->GetFeature(2);
     TsVariant value;
@@ -141,11 +125,11 @@ TEST_F(MemoryLayerTest, ValuesTakeTheTypeOfTheirField)
     EXPECT_EQ(value, TsVariant(std::int32_t{20}));
     EXPECT_FALSE(feature->GetValue("OWNER", value));
     EXPECT_TRUE(value.IsEmpty());
-}
 
-TEST_F(MemoryLayerTest, MissingValuesReadAsEmpty)
-{
-    TsVariant value("stale");
+    EXPECT_EQ(layer->AddFeature({1, 2, 3, 4}), -1) << "more values than fields";
+    EXPECT_EQ(layer->FeatureCount(), 4);
+
+    value = TsVariant("stale");
     EXPECT_TRUE(layer->GetFeature(4)->GetValue("NAME", value));
     EXPECT_EQ(value, TsVariant("East"));
     layer->AddField("OWNER", TsField::StringField);
@@ -153,13 +137,7 @@ TEST_F(MemoryLayerTest, MissingValuesReadAsEmpty)
     EXPECT_TRUE(value.IsEmpty());
 }
 
-TEST_F(MemoryLayerTest, TooManyValuesAreRefused)
-{
-    EXPECT_EQ(layer->AddFeature({1, 2, 3, 4}), -1);
-    EXPECT_EQ(layer->FeatureCount(), 4);
-}
-
-TEST_F(MemoryLayerTest, PointsReportTheirHeight)
+TEST_F(MemoryLayerTest, PointsReportTheirHeightAndOtherShapesAreNoPoints)
 {
     const auto withZ = layer->GetFeature(1)->GetGeometry().dynamicCast<TsGeoPoint>();
     ASSERT_FALSE(withZ.isNull());
@@ -177,10 +155,7 @@ TEST_F(MemoryLayerTest, PointsReportTheirHeight)
     z = -1.0;
     flat->QueryCoordsXYZ(nullptr, nullptr, &z);
     EXPECT_EQ(z, 0.0);
-}
 
-TEST_F(MemoryLayerTest, NonPointsAndMissingShapesAreNotPoints)
-{
     EXPECT_TRUE(layer->GetFeature(3)->GetGeometry().dynamicCast<TsGeoPoint>().isNull());
     EXPECT_TRUE(layer->GetFeature(4)->GetGeometry().isNull());
 }
@@ -188,9 +163,9 @@ TEST_F(MemoryLayerTest, NonPointsAndMissingShapesAreNotPoints)
 TEST_F(MemoryLayerTest, EditsInAnOperationChangeTheFeatures)
 {
     ASSERT_TRUE(layer->StartOperation(nullptr));
-    const TsRefPtr<TsLayerEditBuffer> buffer = layer->layer_edit_buffer();
-    EXPECT_TRUE(buffer->ChangeAttribute(2, "depth", TsVariant("41.75"), false));
-    EXPECT_TRUE(buffer->ChangeAttribute(3, "NAME", TsVariant(""), false));
+    EXPECT_FALSE(layer->StartOperation(nullptr)) << "only one operation is open at a time";
+    EXPECT_TRUE(change(2, "depth", "41.75"));
+    EXPECT_TRUE(change(3, "NAME", ""));
     ASSERT_TRUE(layer->CommitOperation());
 
     EXPECT_EQ(valueOf(2, "DEPTH"), TsVariant(41.75));
@@ -201,79 +176,53 @@ TEST_F(MemoryLayerTest, EditsInAnOperationChangeTheFeatures)
     EXPECT_FALSE(layer->IsInOperation());
 }
 
-TEST_F(MemoryLayerTest, ChangesOutsideAnOperationFail)
+TEST_F(MemoryLayerTest, ChangesOutsideAnOperationOrToAReadOnlyLayerFail)
 {
-    EXPECT_FALSE(layer->layer_edit_buffer()->ChangeAttribute(1, "NAME", TsVariant("West"), false));
-    EXPECT_EQ(valueOf(1, "NAME"), TsVariant("North"));
-    EXPECT_EQ(layer->AttributeChanges(), 0);
+    EXPECT_FALSE(change(1, "NAME", "West"));
     EXPECT_FALSE(layer->CommitOperation());
-}
-
-TEST_F(MemoryLayerTest, ChangesToUnknownFeaturesOrFieldsFail)
-{
-    ASSERT_TRUE(layer->StartOperation(nullptr));
-    const TsRefPtr<TsLayerEditBuffer> buffer = layer->layer_edit_buffer();
-    EXPECT_FALSE(buffer->ChangeAttribute(9, "NAME", TsVariant("x"), false));
-    EXPECT_FALSE(buffer->ChangeAttribute(1, "OWNER", TsVariant("x"), false));
-    EXPECT_EQ(layer->AttributeChanges(), 0);
-}
-
-TEST_F(MemoryLayerTest, OnlyOneOperationIsOpenAtATime)
-{
-    ASSERT_TRUE(layer->StartOperation(nullptr));
-    EXPECT_FALSE(layer->StartOperation(nullptr));
-    EXPECT_EQ(layer->OperationsStarted(), 1);
-}
-
-TEST_F(MemoryLayerTest, ReadOnlyLayerRefusesEdits)
-{
     layer->SetReadOnly(true);
     EXPECT_FALSE(layer->StartOperation(nullptr));
-    EXPECT_FALSE(layer->layer_edit_buffer()->ChangeAttribute(1, "NAME", TsVariant("West"), false));
+    EXPECT_FALSE(change(1, "NAME", "West"));
     EXPECT_FALSE(layer->CommitOperation());
     EXPECT_EQ(valueOf(1, "NAME"), TsVariant("North"));
     EXPECT_EQ(layer->OperationsStarted(), 0);
+    EXPECT_EQ(layer->AttributeChanges(), 0);
 }
 
-TEST_F(MemoryLayerTest, StrictChangesRefuseValuesThatDoNotFit)
+TEST_F(MemoryLayerTest, ChangesToUnknownFeaturesOrFieldsAndStrictMisfitsFail)
 {
     ASSERT_TRUE(layer->StartOperation(nullptr));
-    const TsRefPtr<TsLayerEditBuffer> buffer = layer->layer_edit_buffer();
-    EXPECT_FALSE(buffer->ChangeAttribute(1, "DEPTH", TsVariant("deep"), true));
+    EXPECT_FALSE(change(9, "NAME", "x"));
+    EXPECT_FALSE(change(1, "OWNER", "x"));
+    EXPECT_FALSE(change(1, "DEPTH", "deep", true));
     EXPECT_EQ(valueOf(1, "DEPTH"), TsVariant(12.5));
-    EXPECT_TRUE(buffer->ChangeAttribute(1, "DEPTH", TsVariant("deep"), false));
+    EXPECT_EQ(layer->AttributeChanges(), 0);
+    EXPECT_TRUE(change(1, "DEPTH", "deep"));
     EXPECT_TRUE(valueOf(1, "DEPTH").IsNull());
 }
 
 TEST_F(MemoryLayerTest, AbortRestoresTheOldValues)
 {
     ASSERT_TRUE(layer->StartOperation(nullptr));
-    const TsRefPtr<TsLayerEditBuffer> buffer = layer->layer_edit_buffer();
-    buffer->ChangeAttribute(1, "NAME", TsVariant("West"), false);
-    buffer->ChangeAttribute(1, "NAME", TsVariant("Far West"), false);
+    change(1, "NAME", "West");
+    change(1, "NAME", "Far West");
     ASSERT_TRUE(layer->AbortOperation());
     EXPECT_EQ(valueOf(1, "NAME"), TsVariant("North"));
     EXPECT_EQ(layer->OperationsAborted(), 1);
     EXPECT_EQ(layer->OperationsCommitted(), 0);
 }
 
-TEST_F(MemoryLayerTest, FeaturesAlreadyReadKeepTheirValues)
+TEST_F(MemoryLayerTest, FeaturesAndCursorsOpenedBeforeAnEditKeepWhatTheyHeld)
 {
     const TsRefPtr<TsFeature> before = layer->GetFeature(1);
+    const TsRefPtr<TsFeatureCursor> cursor = layer->GetFeatureCursor(TsQueryFilter("ID = 10"));
     layer->StartOperation(nullptr);
-    layer->layer_edit_buffer()->ChangeAttribute(1, "NAME", TsVariant("West"), false);
+    change(1, "NAME", "West");
+    change(1, "ID", "11");
     layer->CommitOperation();
     TsVariant value;
     before->GetValue("NAME", value);
     EXPECT_EQ(value, TsVariant("North"));
-}
-
-TEST_F(MemoryLayerTest, CursorKeepsWhatItsFilterAdmittedWhenOpened)
-{
-    const TsRefPtr<TsFeatureCursor> cursor = layer->GetFeatureCursor(TsQueryFilter("ID = 10"));
-    layer->StartOperation(nullptr);
-    layer->layer_edit_buffer()->ChangeAttribute(1, "ID", TsVariant("11"), false);
-    layer->CommitOperation();
     EXPECT_FALSE(cursor->NextFeature().isNull());
     EXPECT_TRUE(cursor->NextFeature().isNull());
 }

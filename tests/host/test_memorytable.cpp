@@ -9,21 +9,13 @@ namespace {
 class MemoryTableTest : public ReferenceBalanceTest
 {
 protected:
-    void SetUp() override
+    MemoryTableTest()
     {
-        ReferenceBalanceTest::SetUp();
-        table = TsRefPtr<TsMemoryTable>::create("codes");
         table->AddField("CODE", TsField::IntegerField);
         table->AddField("LABEL", TsField::StringField);
         table->AddRow({std::int32_t{1}, "road"});
         table->AddRow({std::int32_t{2}, "river"});
         table->AddRow({std::int32_t{3}});
-    }
-
-    void TearDown() override
-    {
-        table.reset();
-        ReferenceBalanceTest::TearDown();
     }
 
     std::vector<TsString> labels(const TsQueryFilter& filter)
@@ -38,24 +30,16 @@ protected:
         return texts;
     }
 
-    TsRefPtr<TsMemoryTable> table;
+    const TsRefPtr<TsMemoryTable> table = TsRefPtr<TsMemoryTable>::create("codes");
 };
 
 } // namespace
 
-TEST_F(MemoryTableTest, CursorHandsOutRowsInOrderThenNull)
+TEST_F(MemoryTableTest, CursorHandsOutTheRowsItsFilterAdmitsInOrderThenNull)
 {
     EXPECT_EQ(labels(TsQueryFilter()), (std::vector<TsString>{"road", "river", ""}));
-}
-
-TEST_F(MemoryTableTest, FilterSelectsRows)
-{
     EXPECT_EQ(labels(TsQueryFilter("CODE >= 2")), (std::vector<TsString>{"river", ""}));
-}
-
-TEST_F(MemoryTableTest, UnreadableFilterGivesNoCursor)
-{
-    EXPECT_TRUE(table->GetRowCursor(TsQueryFilter("LABEL LIKE 'r%'")).isNull());
+    EXPECT_TRUE(table->GetRowCursor(TsQueryFilter("LABEL LIKE 'r%'")).isNull()) << "an unreadable filter";
 }
 
 TEST_F(MemoryTableTest, RowsReadByIndexWithinTheFieldsOnly)
@@ -66,13 +50,4 @@ TEST_F(MemoryTableTest, RowsReadByIndexWithinTheFieldsOnly)
     EXPECT_EQ(value, TsVariant(std::int32_t{1}));
     EXPECT_FALSE(row->GetValue(2, value));
     EXPECT_FALSE(row->GetValue(-1, value));
-}
-
-TEST_F(MemoryTableTest, NameAndFieldsDescribeTheTable)
-{
-    EXPECT_EQ(table->GetTableName(), TsString("codes"));
-    EXPECT_EQ(table->GetFields()->GetFieldCount(), 2);
-    EXPECT_EQ(table->RowCount(), 3);
-    table->SetFieldsAvailable(false);
-    EXPECT_TRUE(table->GetFields().isNull());
 }

@@ -12,20 +12,12 @@ namespace {
 class RasterTest : public ReferenceBalanceTest
 {
 protected:
-    void SetUp() override
+    RasterTest()
+        : raster(TsRefPtr<TsMemoryRaster>::create(TsRect(100, 130, 200, 220), 3, 2))
     {
-        ReferenceBalanceTest::SetUp();
-        raster = TsRefPtr<TsMemoryRaster>::create(TsRect(100, 130, 200, 220), 3, 2);
         raster->SetValues({1, 2, 3,
                            4, 5, -6});
         block = raster->CreatePixelBlock(TsSize(1, 1));
-    }
-
-    void TearDown() override
-    {
-        block.reset();
-        raster.reset();
-        ReferenceBalanceTest::TearDown();
     }
 
     double readCell(double column, double row, bool* read = nullptr)
@@ -42,51 +34,24 @@ protected:
 
 } // namespace
 
-TEST_F(RasterTest, DescribesItsGrid)
-{
-    EXPECT_EQ(raster->GetExtent().maxY, 220.0);
-    EXPECT_EQ(raster->GetPixelSizeX(), 10.0);
-    EXPECT_EQ(raster->GetPixelSizeY(), 10.0);
-}
-
-TEST_F(RasterTest, RowsCountDownFromTheTopEdge)
+TEST_F(RasterTest, RowsCountDownFromTheTopEdgeAndFractionsAreCutDown)
 {
     EXPECT_EQ(readCell(0, 0), 1.0);
     EXPECT_EQ(readCell(2, 1), -6.0);
     EXPECT_EQ(readCell(1, 1), 5.0);
-}
-
-TEST_F(RasterTest, FractionalCellsAreCutDown)
-{
     EXPECT_EQ(readCell(1.9, 0.99), 2.0);
 }
 
-TEST_F(RasterTest, ReadingOnePastTheEdgeGivesNoData)
+TEST_F(RasterTest, CellsOutsideTheGridGiveNoData)
 {
-    bool read = true;
-    EXPECT_EQ(readCell(3, 0, &read), TsMemoryRaster::DefaultNoData);
-    EXPECT_FALSE(read);
-    EXPECT_EQ(readCell(0, 2, &read), TsMemoryRaster::DefaultNoData);
-    EXPECT_FALSE(read);
-    EXPECT_EQ(readCell(-0.5, 0, &read), TsMemoryRaster::DefaultNoData);
-    EXPECT_FALSE(read);
-}
-
-TEST_F(RasterTest, AFailedReadDoesNotKeepTheLastValue)
-{
-    readCell(0, 0);
-    EXPECT_EQ(readCell(5, 5), TsMemoryRaster::DefaultNoData);
-}
-
-TEST_F(RasterTest, AbsurdCellPositionsAreOutside)
-{
-    bool read = true;
-    readCell(1e300, 0, &read);
-    EXPECT_FALSE(read);
-    readCell(std::numeric_limits<double>::quiet_NaN(), 0, &read);
-    EXPECT_FALSE(read);
-    readCell(-1e300, -1e300, &read);
-    EXPECT_FALSE(read);
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const double outside[][2] = {{3, 0}, {0, 2}, {-0.5, 0}, {5, 5}, {1e300, 0}, {nan, 0}, {-1e300, -1e300}};
+    for (const auto& cell : outside) {
+        readCell(0, 0);   // a failed read must not keep the last value
+        bool read = true;
+        EXPECT_EQ(readCell(cell[0], cell[1], &read), TsMemoryRaster::DefaultNoData) << cell[0] << "," << cell[1];
+        EXPECT_FALSE(read) << cell[0] << "," << cell[1];
+    }
 }
 
 TEST_F(RasterTest, BlocksOverTheEdgeReadWhatIsInside)

@@ -6,14 +6,16 @@ using namespace VyObjects;
 
 using RefPtrTest = ReferenceBalanceTest;
 
-TEST_F(RefPtrTest, CopiesShareOneObjectAndEachHoldsAReference)
+TEST_F(RefPtrTest, CopiesAndUpcastsShareOneObjectAndEachHoldsAReference)
 {
     const auto point = TsRefPtr<TsGeoPoint>::create(1.0, 2.0);
     EXPECT_EQ(point->RefCount(), 1);
     {
         const TsRefPtr<TsGeoPoint> copy = point;
+        const TsRefPtr<TsGeometry> geometry = point;
         EXPECT_EQ(copy.get(), point.get());
-        EXPECT_EQ(point->RefCount(), 2);
+        EXPECT_EQ(geometry.get(), point.get());
+        EXPECT_EQ(point->RefCount(), 3);
     }
     EXPECT_EQ(point->RefCount(), 1);
 }
@@ -30,31 +32,19 @@ TEST_F(RefPtrTest, LastReleaseDestroysTheObject)
     EXPECT_EQ(TsRefBase::LiveObjectCount(), before);
 }
 
-TEST_F(RefPtrTest, MoveHandsTheReferenceOver)
-{
-    auto source = TsRefPtr<TsGeoPoint>::create(1.0, 2.0);
-    const TsRefPtr<TsGeoPoint> target = std::move(source);
-    EXPECT_TRUE(source.isNull());
-    EXPECT_EQ(target->RefCount(), 1);
-}
-
-TEST_F(RefPtrTest, AssignmentReleasesTheOldObject)
+TEST_F(RefPtrTest, MoveHandsTheReferenceOverAndAssignmentReleasesTheOldObject)
 {
     const long long before = TsRefBase::LiveObjectCount();
     auto holder = TsRefPtr<TsGeoPoint>::create(1.0, 2.0);
+    const TsRefPtr<TsGeoPoint> moved = std::move(holder);
+    EXPECT_TRUE(holder.isNull());
+    EXPECT_EQ(moved->RefCount(), 1);
     holder = TsRefPtr<TsGeoPoint>::create(3.0, 4.0);
-    EXPECT_EQ(TsRefBase::LiveObjectCount(), before + 1);
-    EXPECT_EQ(holder->GetX(), 3.0);
+    holder = TsRefPtr<TsGeoPoint>::create(5.0, 6.0);
+    EXPECT_EQ(TsRefBase::LiveObjectCount(), before + 2);
+    EXPECT_EQ(holder->GetX(), 5.0);
     holder = holder;   // self-assignment keeps the object
     EXPECT_EQ(holder->RefCount(), 1);
-}
-
-TEST_F(RefPtrTest, UpcastSharesTheObject)
-{
-    const auto point = TsRefPtr<TsGeoPoint>::create(1.0, 2.0);
-    const TsRefPtr<TsGeometry> geometry = point;
-    EXPECT_EQ(geometry.get(), point.get());
-    EXPECT_EQ(point->RefCount(), 2);
 }
 
 TEST_F(RefPtrTest, DynamicCastGivesNullForAnotherKind)

@@ -2,74 +2,43 @@
 
 #include "tsmemorytopology.h"
 
+#include <tuple>
+
 using namespace VyObjects;
 
 namespace {
 
-struct ErrorRecord
-{
-    int number = -1, ruleId = -1, featureId = -1, relatedFeatureId = -1, layerId = -1, relatedLayerId = -1;
-    TsString layerName = "unset", relatedLayerName, coordinate, ruleDescription, errorType;
-    bool isException = false;
-};
-
-bool read(const TsTopology& topology, int index, ErrorRecord& r)
+bool read(const TsTopology& topology, int index, TsTopoError& r)
 {
     return topology.GetTopoErrorInfo(index, r.number, r.ruleId, r.featureId, r.relatedFeatureId,
                                      r.layerId, r.relatedLayerId, r.layerName, r.relatedLayerName,
                                      r.coordinate, r.ruleDescription, r.errorType, r.isException);
 }
 
+auto fields(const TsTopoError& e)
+{
+    return std::make_tuple(e.number, e.ruleId, e.featureId, e.relatedFeatureId, e.layerId, e.relatedLayerId,
+                           e.layerName, e.relatedLayerName, e.coordinate, e.ruleDescription, e.errorType,
+                           e.isException);
+}
+
+const TsTopoError Overlap{7, 2, 11, 12, 3, 4, "parcels", "roads", "10.5,20.25", "must not overlap", "overlap", true};
+
 class TopologyTest : public ReferenceBalanceTest
 {
 protected:
-    void SetUp() override
-    {
-        ReferenceBalanceTest::SetUp();
-        topology = TsRefPtr<TsMemoryTopology>::create(true);
-        TsTopoError error;
-        error.number = 7;
-        error.ruleId = 2;
-        error.featureId = 11;
-        error.relatedFeatureId = 12;
-        error.layerId = 3;
-        error.relatedLayerId = 4;
-        error.layerName = "parcels";
-        error.relatedLayerName = "roads";
-        error.coordinate = "10.5,20.25";
-        error.ruleDescription = "must not overlap";
-        error.errorType = "overlap";
-        error.isException = true;
-        topology->AddError(error);
-    }
+    TopologyTest() { topology->AddError(Overlap); }
 
-    void TearDown() override
-    {
-        topology.reset();
-        ReferenceBalanceTest::TearDown();
-    }
-
-    TsRefPtr<TsMemoryTopology> topology;
+    const TsRefPtr<TsMemoryTopology> topology = TsRefPtr<TsMemoryTopology>::create(true);
 };
 
 } // namespace
 
 TEST_F(TopologyTest, ErrorInfoFillsTheOutValuesInOrder)
 {
-    ErrorRecord r;
+    TsTopoError r;
     ASSERT_TRUE(read(*topology, 0, r));
-    EXPECT_EQ(r.number, 7);
-    EXPECT_EQ(r.ruleId, 2);
-    EXPECT_EQ(r.featureId, 11);
-    EXPECT_EQ(r.relatedFeatureId, 12);
-    EXPECT_EQ(r.layerId, 3);
-    EXPECT_EQ(r.relatedLayerId, 4);
-    EXPECT_EQ(r.layerName, TsString("parcels"));
-    EXPECT_EQ(r.relatedLayerName, TsString("roads"));
-    EXPECT_EQ(r.coordinate, TsString("10.5,20.25"));
-    EXPECT_EQ(r.ruleDescription, TsString("must not overlap"));
-    EXPECT_EQ(r.errorType, TsString("overlap"));
-    EXPECT_TRUE(r.isException);
+    EXPECT_EQ(fields(r), fields(Overlap));
 }
 
 TEST_F(TopologyTest, UnreadableErrorsLeaveTheOutValuesAlone)
@@ -77,7 +46,9 @@ TEST_F(TopologyTest, UnreadableErrorsLeaveTheOutValuesAlone)
     topology->AddError(TsTopoError());
     topology->MarkUnreadable(1);
     for (int index : {-1, 1, 2}) {
-        ErrorRecord r;
+        TsTopoError r;
+        r.number = -1;
+        r.layerName = "unset";
         EXPECT_FALSE(read(*topology, index, r)) << index;
         EXPECT_EQ(r.number, -1);
         EXPECT_EQ(r.layerName, TsString("unset"));

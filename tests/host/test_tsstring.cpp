@@ -18,31 +18,18 @@ TEST(TsStringTest, Utf8CharactersBeyondTheBmpBecomeSurrogatePairs)
     EXPECT_EQ(clef.toUtf8(), ClefUtf8);
 }
 
-TEST(TsStringTest, WideStringsSurviveTheRoundTrip)
+TEST(TsStringTest, WideStringsSurviveTheRoundTripAndAgreeWithUtf8)
 {
     const std::wstring original = L"Stra\u00DFe \U0001D11E \u8DEF";
-    const TsString text(original);
+    TsString text(original);
     EXPECT_EQ(text.toStdWString(), original);
     const std::wstring converted = text;
     EXPECT_EQ(converted, original);
     EXPECT_EQ(TsString(original.c_str()), text);
-}
-
-TEST(TsStringTest, WideAndUtf8ConstructionAgree)
-{
     EXPECT_EQ(TsString(L"\U0001D11E"), TsString(ClefUtf8));
     EXPECT_EQ(TsString(L"\u00E4"), TsString("\xC3\xA4"));
-}
-
-TEST(TsStringTest, AssigningAWideStringReplacesTheText)
-{
-    TsString text("old");
     text = std::wstring(L"new \U0001D11E");
     EXPECT_EQ(text, TsString(L"new \U0001D11E"));
-}
-
-TEST(TsStringTest, NullPointersReadAsEmpty)
-{
     EXPECT_TRUE(TsString(static_cast<const char*>(nullptr)).IsEmpty());
     EXPECT_TRUE(TsString(static_cast<const wchar_t*>(nullptr)).IsEmpty());
 }
@@ -58,42 +45,24 @@ TEST(TsStringTest, CompareNoCaseIgnoresCaseOnly)
 
 TEST(TsStringTest, SplitKeepsEmptyParts)
 {
-    const auto parts = TsString("roads-x-1").split("-");
-    ASSERT_EQ(parts.size(), 3u);
-    EXPECT_EQ(parts[0], TsString("roads"));
-    EXPECT_EQ(parts[2], TsString("1"));
-
-    const auto trailing = TsString("roads-").split("-");
-    ASSERT_EQ(trailing.size(), 2u);
-    EXPECT_TRUE(trailing[1].IsEmpty());
-
-    EXPECT_EQ(TsString("").split("-").size(), 1u);
-    EXPECT_EQ(TsString("roads").split("-").size(), 1u);
-}
-
-TEST(TsStringTest, SplitAtALongerSeparator)
-{
-    const auto parts = TsString("a::b:c").split("::");
-    ASSERT_EQ(parts.size(), 2u);
-    EXPECT_EQ(parts[1], TsString("b:c"));
-}
-
-TEST(TsStringTest, SplitAtNothingGivesTheWholeText)
-{
-    const auto parts = TsString("a-b").split("");
-    ASSERT_EQ(parts.size(), 1u);
-    EXPECT_EQ(parts[0], TsString("a-b"));
+    const struct { const char* text; const char* separator; std::vector<TsString> parts; } cases[] = {
+        {"roads-x-1", "-", {"roads", "x", "1"}},
+        {"roads-", "-", {"roads", ""}},
+        {"", "-", {""}},
+        {"roads", "-", {"roads"}},
+        {"a::b:c", "::", {"a", "b:c"}},
+        {"a-b", "", {"a-b"}},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(TsString(c.text).split(c.separator), c.parts) << c.text << " at " << c.separator;
 }
 
 TEST(TsStringTest, ToIntReadsDecimalIntegersOnly)
 {
     EXPECT_EQ(TsString(" 42 ").ToInt(), 42);
     EXPECT_EQ(TsString("-7").ToInt(), -7);
-    EXPECT_EQ(TsString("abc").ToInt(), 0);
-    EXPECT_EQ(TsString("12x").ToInt(), 0);
-    EXPECT_EQ(TsString("1.5").ToInt(), 0);
-    EXPECT_EQ(TsString("99999999999").ToInt(), 0);
-    EXPECT_EQ(TsString("").ToInt(), 0);
+    for (const char* text : {"abc", "12x", "1.5", "99999999999", ""})
+        EXPECT_EQ(TsString(text).ToInt(), 0) << text;
 }
 
 TEST(TsStringTest, PlusAppendsTextAndDecimalNumbers)

@@ -19,23 +19,14 @@ std::int32_t leadingCode(const TsVariant& value)
 }
 } // namespace
 
-TEST(TsVariantTest, TheTypeCodeIsTheFirst32Bits)
+TEST(TsVariantTest, EachKindCarriesItsCodeInTheFirst32Bits)
 {
-    EXPECT_EQ(leadingCode(TsVariant(1.5)), 8);
-    EXPECT_EQ(leadingCode(TsVariant(1.5f)), 9);
-    EXPECT_EQ(leadingCode(TsVariant("text")), 7);
-    EXPECT_EQ(leadingCode(TsVariant()), 0);
-}
-
-TEST(TsVariantTest, EachKindCarriesItsCode)
-{
-    EXPECT_EQ(TsVariant::null().GetType(), 1);
-    EXPECT_EQ(TsVariant(true).GetType(), 2);
-    EXPECT_EQ(TsVariant::fromInt16(3).GetType(), 3);
-    EXPECT_EQ(TsVariant(std::int32_t{3}).GetType(), 4);
-    EXPECT_EQ(TsVariant(std::int64_t{3}).GetType(), 5);
-    EXPECT_EQ(TsVariant::fromDateTime(0).GetType(), 6);
-    EXPECT_EQ(TsVariant(TsString("3")).GetType(), 7);
+    const TsVariant kinds[] = {TsVariant(), TsVariant::null(), true, TsVariant::fromInt16(3), std::int32_t{3},
+                               std::int64_t{3}, TsVariant::fromDateTime(0), "text", 1.5, 1.5f};
+    for (std::int32_t code = 0; code < 10; ++code) {
+        EXPECT_EQ(leadingCode(kinds[code]), code);
+        EXPECT_EQ(kinds[code].GetType(), code);
+    }
 }
 
 TEST(TsVariantTest, FloatingValuesReadAsDoubles)
@@ -47,33 +38,19 @@ TEST(TsVariantTest, FloatingValuesReadAsDoubles)
     EXPECT_EQ(TsVariant("twelve").GetDouble(), 0.0);
 }
 
-TEST(TsVariantTest, DoublesPrintShortestRoundTripText)
+TEST(TsVariantTest, EachKindPrintsItsValueAndFloatsTheShortestRoundTripText)
 {
-    EXPECT_EQ(TsVariant(1234.5).ToString(), TsString("1234.5"));
-    EXPECT_EQ(TsVariant(0.1).ToString(), TsString("0.1"));
-    EXPECT_EQ(TsVariant(0.1 + 0.2).ToString(), TsString("0.30000000000000004"));
-    EXPECT_EQ(TsVariant(100.0).ToString(), TsString("100"));
-    EXPECT_EQ(TsVariant(-2.5).ToString(), TsString("-2.5"));
-    EXPECT_EQ(TsVariant(1e20).ToString(), TsString("1e+20"));
-    EXPECT_EQ(TsVariant(std::numeric_limits<double>::quiet_NaN()).ToString(), TsString("nan"));
-    EXPECT_EQ(TsVariant(-std::numeric_limits<double>::infinity()).ToString(), TsString("-inf"));
-}
-
-TEST(TsVariantTest, SinglesPrintWithoutDoubleNoise)
-{
-    EXPECT_EQ(TsVariant(0.1f).ToString(), TsString("0.1"));
-    EXPECT_EQ(TsVariant(16777216.0f).ToString(), TsString("16777216"));
-    EXPECT_EQ(TsVariant(3.14159274f).ToString(), TsString("3.1415927"));
-}
-
-TEST(TsVariantTest, OtherKindsPrintTheirValue)
-{
-    EXPECT_EQ(TsVariant(std::numeric_limits<std::int64_t>::min()).ToString(),
-              TsString("-9223372036854775808"));
-    EXPECT_EQ(TsVariant(false).ToString(), TsString("false"));
-    EXPECT_TRUE(TsVariant::null().ToString().IsEmpty());
     const qint64 when = QDateTime(QDate(2024, 2, 29), QTime(13, 5, 9), Qt::UTC).toMSecsSinceEpoch();
-    EXPECT_EQ(TsVariant::fromDateTime(when).ToString(), TsString("2024-02-29 13:05:09"));
+    const struct { TsVariant value; const char* text; } cases[] = {
+        {1234.5, "1234.5"}, {0.1, "0.1"}, {0.1 + 0.2, "0.30000000000000004"}, {100.0, "100"},
+        {-2.5, "-2.5"}, {1e20, "1e+20"}, {std::numeric_limits<double>::quiet_NaN(), "nan"},
+        {-std::numeric_limits<double>::infinity(), "-inf"},
+        {0.1f, "0.1"}, {16777216.0f, "16777216"}, {3.14159274f, "3.1415927"},   // no double noise
+        {std::numeric_limits<std::int64_t>::min(), "-9223372036854775808"}, {false, "false"},
+        {TsVariant::null(), ""}, {TsVariant::fromDateTime(when), "2024-02-29 13:05:09"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(c.value.ToString(), TsString(c.text)) << c.text;
 }
 
 TEST(TsVariantTest, Int64ConversionRoundsAndRefusesWhatDoesNotFit)

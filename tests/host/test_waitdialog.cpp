@@ -23,7 +23,7 @@ bool anyDialogVisible()
 
 } // namespace
 
-TEST(WaitWithoutApplicationTest, RunsTheWorkToItsEnd)
+TEST(WaitWithoutApplicationTest, RunsTheWorkToItsEndWithoutADialog)
 {
     ASSERT_EQ(QCoreApplication::instance(), nullptr);
     VyWaitDialog dialog(QStringLiteral("Exporting..."), nullptr);
@@ -32,62 +32,45 @@ TEST(WaitWithoutApplicationTest, RunsTheWorkToItsEnd)
         for (int i = 0; i < 1000; ++i)
             ++rows;
     });
+    dialog.WaitFor(std::function<void()>());   // empty work is nothing to wait for
     EXPECT_EQ(rows, 1000);
     EXPECT_FALSE(dialog.wasShown());
 }
 
-TEST(WaitWithoutApplicationTest, EmptyWorkIsNothingToWaitFor)
-{
-    VyWaitDialog dialog(QStringLiteral("Exporting..."), nullptr);
-    dialog.WaitFor(std::function<void()>());
-    EXPECT_FALSE(dialog.wasShown());
-}
-
-TEST_F(WaitWithApplicationTest, QuickWorkShowsNothing)
+TEST_F(WaitWithApplicationTest, QuickWorkRunsOffTheGuiThreadAndShowsNothing)
 {
     VyWaitDialog dialog(QStringLiteral("Exporting..."), nullptr);
     std::vector<int> written;
-    dialog.WaitFor([&written] { written.assign(500, 7); });
+    QThread* workThread = nullptr;
+    dialog.WaitFor([&] {
+        written.assign(500, 7);
+        workThread = QThread::currentThread();
+    });
     EXPECT_EQ(written.size(), 500u);
+    EXPECT_NE(workThread, nullptr);
+    EXPECT_NE(workThread, QThread::currentThread());
     EXPECT_FALSE(dialog.wasShown());
     EXPECT_FALSE(anyDialogVisible());
 }
 
-TEST_F(WaitWithApplicationTest, WorkRunsOffTheGuiThread)
-{
-    VyWaitDialog dialog(QStringLiteral("Exporting..."), nullptr);
-    QThread* workThread = nullptr;
-    dialog.WaitFor([&workThread] { workThread = QThread::currentThread(); });
-    EXPECT_NE(workThread, nullptr);
-    EXPECT_NE(workThread, QThread::currentThread());
-}
-
-TEST_F(WaitWithApplicationTest, LongWorkShowsTheDialogUntilItEnds)
+TEST_F(WaitWithApplicationTest, LongWorkShowsTheDialogWhileTheGuiThreadServesEvents)
 {
     VyWaitDialog dialog(QStringLiteral("Exporting..."), nullptr);
     dialog.setShowDelay(0);
     bool visibleDuringWork = false;
+    int ticks = 0;
     // The timer runs on the GUI thread while the work sleeps.
     QTimer probe;
-    QObject::connect(&probe, &QTimer::timeout, [&visibleDuringWork] {
+    QObject::connect(&probe, &QTimer::timeout, [&] {
         visibleDuringWork = visibleDuringWork || anyDialogVisible();
+        ++ticks;
     });
     probe.start(5);
     dialog.WaitFor([] { QThread::msleep(150); });
     EXPECT_TRUE(dialog.wasShown());
     EXPECT_TRUE(visibleDuringWork);
-    EXPECT_FALSE(anyDialogVisible());
-}
-
-TEST_F(WaitWithApplicationTest, GuiThreadKeepsServingEvents)
-{
-    VyWaitDialog dialog(QStringLiteral("Exporting..."), nullptr);
-    int ticks = 0;
-    QTimer timer;
-    QObject::connect(&timer, &QTimer::timeout, [&ticks] { ++ticks; });
-    timer.start(5);
-    dialog.WaitFor([] { QThread::msleep(100); });
     EXPECT_GT(ticks, 3);
+    EXPECT_FALSE(anyDialogVisible());
 }
 
 TEST_F(WaitWithApplicationTest, DestructorRemovesTheDialog)
