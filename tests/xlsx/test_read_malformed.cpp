@@ -93,7 +93,7 @@ TEST(ReadMalformed, SurvivesCorruptedBytesAnywhere)
         auto doc = openBytes(bytes);
         EXPECT_FALSE(doc->sheetNames().isEmpty());
     }
-    EXPECT_LT(timer.elapsed(), 10000);
+    EXPECT_LT(timer.elapsed(), 10000 * VYGIS_TIME_SCALE);
 }
 
 TEST(ReadMalformed, StopsASheetThatInflatesLikeABomb)
@@ -110,7 +110,7 @@ TEST(ReadMalformed, StopsASheetThatInflatesLikeABomb)
     QElapsedTimer timer;
     timer.start();
     auto doc = openBytes(bytes);
-    EXPECT_LT(timer.elapsed(), 1000);
+    EXPECT_LT(timer.elapsed(), 1000 * VYGIS_TIME_SCALE);
     EXPECT_EQ(doc->read(2, 1), QVariant(2.0));
 }
 
@@ -126,7 +126,7 @@ TEST(ReadMalformed, RefusesEntityExpansionInAnyPart)
     QElapsedTimer timer;
     timer.start();
     auto doc = openBytes(zipOf(workbookParts(worksheet(R"(<row r="1"><c r="A1" t="s"><v>0</v></c><c r="B1"><v>1</v></c></row>)"), laughs)));
-    EXPECT_LT(timer.elapsed(), 2000);
+    EXPECT_LT(timer.elapsed(), 2000 * VYGIS_TIME_SCALE);
     EXPECT_TRUE(doc->read(1, 1).isNull());
     EXPECT_EQ(doc->read(1, 2), QVariant(1.0));
 }

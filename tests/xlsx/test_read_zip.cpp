@@ -198,7 +198,7 @@ TEST(ReadXml, RefusesEntityDeclarationsWithoutExpandingThem)
     QElapsedTimer timer;
     timer.start();
     EXPECT_FALSE(reader.parse(laughs));
-    EXPECT_LT(timer.elapsed(), 1000);
+    EXPECT_LT(timer.elapsed(), 1000 * VYGIS_TIME_SCALE);
     EXPECT_TRUE(recorder.text.empty());
     EXPECT_FALSE(reader.errorString().isEmpty());
 }
