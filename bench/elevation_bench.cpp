@@ -28,6 +28,16 @@ namespace {
 // Hands every call to the raster it wraps and adds up the time they take.
 class TimedRaster : public TsRasterProps
 {
+    // Declared first: the overrides below deduce their results from it.
+    template <class Call>
+    auto timed(Call call) const
+    {
+        const auto start = std::chrono::steady_clock::now();
+        auto result = call();
+        m_seconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        return result;
+    }
+
 public:
     explicit TimedRaster(TsRefPtr<TsRasterProps> raster) : m_raster(std::move(raster)) {}
 
@@ -55,15 +65,6 @@ protected:
     ~TimedRaster() override = default;
 
 private:
-    template <class Call>
-    auto timed(Call call) const
-    {
-        const auto start = std::chrono::steady_clock::now();
-        auto result = call();
-        m_seconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-        return result;
-    }
-
     TsRefPtr<TsRasterProps> m_raster;
     mutable double m_seconds = 0.0;
     mutable long long m_reads = 0;
