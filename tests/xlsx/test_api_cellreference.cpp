@@ -15,15 +15,11 @@ TEST(CellReference, ParsesRelativeAbsoluteAndLowerCase)
     EXPECT_EQ(CellReference("AA10"), CellReference(10, 27));
 }
 
-TEST(CellReference, RefusesTextsOutsideTheGridOrMalformed)
+TEST(CellReference, RefusesCellsOutsideTheGridAndMalformedTexts)
 {
     for (const char* text : {"", "A", "7", "A0", "XFE1", "A1048577", "AAAAA1", "A1B", "1A",
                              "A-1", "A99999999999", " A1", "$$A1"})
         EXPECT_FALSE(CellReference(text).isValid()) << text;
-}
-
-TEST(CellReference, Validity)
-{
     EXPECT_TRUE(CellReference(1048576, 16384).isValid());
     EXPECT_FALSE(CellReference(0, 1).isValid());
     EXPECT_FALSE(CellReference(1048577, 1).isValid());
@@ -36,14 +32,10 @@ TEST(CellReference, ToStringAndColumnNames)
     EXPECT_EQ(CellReference(7, 2).toString(), QStringLiteral("B7"));
     EXPECT_EQ(CellReference(7, 2).toString(true, true), QStringLiteral("$B$7"));
     EXPECT_EQ(CellReference(0, 2).toString(), QString());
-    EXPECT_EQ(CellReference::columnName(1), QStringLiteral("A"));
-    EXPECT_EQ(CellReference::columnName(26), QStringLiteral("Z"));
-    EXPECT_EQ(CellReference::columnName(27), QStringLiteral("AA"));
-    EXPECT_EQ(CellReference::columnName(702), QStringLiteral("ZZ"));
-    EXPECT_EQ(CellReference::columnName(703), QStringLiteral("AAA"));
-    EXPECT_EQ(CellReference::columnName(16384), QStringLiteral("XFD"));
-    EXPECT_EQ(CellReference::columnName(0), QString());
-    EXPECT_EQ(CellReference::columnName(16385), QString());
+    const struct { int column; const char* name; } names[] = {
+        {1, "A"}, {26, "Z"}, {27, "AA"}, {702, "ZZ"}, {703, "AAA"}, {16384, "XFD"}, {0, ""}, {16385, ""}};
+    for (const auto& c : names)
+        EXPECT_EQ(CellReference::columnName(c.column), QLatin1String(c.name)) << c.column;
     for (int column = 1; column <= 16384; ++column)
         ASSERT_EQ(CellReference(CellReference(1, column).toString()).column(), column);
 }

@@ -2,14 +2,13 @@
 
 #include <QBuffer>
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
 using namespace QXlsx;
 
-TEST(DocumentSheets, ANewDocumentHasNoSheetUntilTheFirstWrite)
+TEST(DocumentSheets, ANewDocumentHasNoSheetUntilTheFirstWriteMergeOrSize)
 {
     Document doc;
     EXPECT_TRUE(doc.sheetNames().isEmpty());
@@ -22,16 +21,13 @@ TEST(DocumentSheets, ANewDocumentHasNoSheetUntilTheFirstWrite)
     EXPECT_EQ(doc.sheetNames(), QStringList{QStringLiteral("Sheet1")});
     ASSERT_NE(doc.currentWorksheet(), nullptr);
     EXPECT_EQ(doc.currentWorksheet()->sheetName(), QStringLiteral("Sheet1"));
-}
 
-TEST(DocumentSheets, MergesAndSizesAlsoCreateTheFirstSheet)
-{
-    Document a, b, c;
-    a.mergeCells(CellRange("A1:B1"));
-    b.setRowHeight(1, 20);
-    c.setColumnWidth(1, 20);
-    for (Document* doc : {&a, &b, &c})
-        EXPECT_EQ(doc->sheetNames(), QStringList{QStringLiteral("Sheet1")});
+    Document merged, sized, widened;   // merges and sizes create it too
+    merged.mergeCells(CellRange("A1:B1"));
+    sized.setRowHeight(1, 20);
+    widened.setColumnWidth(1, 20);
+    for (Document* other : {&merged, &sized, &widened})
+        EXPECT_EQ(other->sheetNames(), QStringList{QStringLiteral("Sheet1")});
 }
 
 TEST(DocumentSheets, AddSheetNamesAndMakesItCurrent)
@@ -82,64 +78,53 @@ TEST(DocumentSheets, RenameAndDelete)
     EXPECT_EQ(doc.currentSheet()->sheetName(), QStringLiteral("Two"));
     EXPECT_FALSE(doc.deleteSheet(QStringLiteral("ONE")));
     EXPECT_EQ(doc.sheetNames(), QStringList{QStringLiteral("Two")});
-}
 
-TEST(DocumentSheets, TheLastVisibleSheetStaysWhileHiddenOnesRemain)
-{
-    Document doc;
-    doc.addSheet(QStringLiteral("Shown"));
+    // The last visible sheet stays while hidden ones remain.
     doc.addSheet(QStringLiteral("Hidden"));
     doc.sheet(QStringLiteral("Hidden"))->setSheetState(AbstractSheet::SS_Hidden);
-    EXPECT_FALSE(doc.deleteSheet(QStringLiteral("Shown")));
+    EXPECT_FALSE(doc.deleteSheet(QStringLiteral("Two")));
     EXPECT_TRUE(doc.deleteSheet(QStringLiteral("Hidden")));
-}
-
-TEST(DocumentSheets, WritingAfterDeletingEverySheetStartsSheet1Again)
-{
-    Document doc;
+    // Writing after deleting every sheet starts Sheet1 again.
     doc.write(1, 1, 1);
-    ASSERT_TRUE(doc.deleteSheet(QStringLiteral("Sheet1")));
+    ASSERT_TRUE(doc.deleteSheet(QStringLiteral("Two")));
     EXPECT_EQ(doc.currentSheet(), nullptr);
     EXPECT_TRUE(doc.write(2, 2, 2));
     EXPECT_EQ(doc.sheetNames(), QStringList{QStringLiteral("Sheet1")});
     EXPECT_EQ(doc.cellAt(1, 1), nullptr);
 }
 
-TEST(DocumentOpen, AMissingFileGivesOneEmptySheet)
+TEST(DocumentOpen, AMissingFileOrBytesThatAreNoWorkbookGiveOneEmptySheet)
 {
     QTemporaryDir dir;
-    Document doc(dir.filePath(QStringLiteral("missing.xlsx")));
-    EXPECT_EQ(doc.sheetNames(), QStringList{QStringLiteral("Sheet1")});
-    ASSERT_NE(doc.currentWorksheet(), nullptr);
-    EXPECT_FALSE(doc.dimension().isValid());
-    EXPECT_FALSE(doc.errorString().isEmpty());
+    Document missing(dir.filePath(QStringLiteral("missing.xlsx")));
+    EXPECT_EQ(missing.sheetNames(), QStringList{QStringLiteral("Sheet1")});
+    ASSERT_NE(missing.currentWorksheet(), nullptr);
+    EXPECT_FALSE(missing.dimension().isValid());
+    EXPECT_FALSE(missing.errorString().isEmpty());
+
+    QBuffer text, empty;
+    text.setData("this is not a zip archive");
+    for (QIODevice* device : std::initializer_list<QIODevice*>{&text, &empty, nullptr}) {
+        const Document doc(device);
+        EXPECT_EQ(doc.sheetNames(), QStringList{QStringLiteral("Sheet1")});
+        EXPECT_EQ(doc.cellAt(1, 1), nullptr);
+    }
 }
 
-TEST(DocumentOpen, BytesThatAreNoWorkbookGiveOneEmptySheet)
+TEST(DocumentSave, SaveWritesToTheOpenedPathAndFailsWithoutOne)
 {
+    Document unnamed;
+    unnamed.write(1, 1, 1);
+    EXPECT_FALSE(unnamed.save());
+    EXPECT_FALSE(unnamed.errorString().isEmpty());
+
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("text.xlsx"));
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("this is not a zip archive");
-    file.close();
+    const QString path = dir.filePath(QStringLiteral("new.xlsx"));
     Document doc(path);
-    EXPECT_EQ(doc.sheetNames(), QStringList{QStringLiteral("Sheet1")});
-    EXPECT_EQ(doc.cellAt(1, 1), nullptr);
-
-    QBuffer empty;
-    Document fromDevice(&empty);
-    EXPECT_EQ(fromDevice.sheetNames(), QStringList{QStringLiteral("Sheet1")});
-    Document fromNothing(static_cast<QIODevice*>(nullptr));
-    EXPECT_EQ(fromNothing.sheetNames(), QStringList{QStringLiteral("Sheet1")});
-}
-
-TEST(DocumentSave, WithoutAPathSaveFails)
-{
-    Document doc;
-    doc.write(1, 1, 1);
-    EXPECT_FALSE(doc.save());
-    EXPECT_FALSE(doc.errorString().isEmpty());
+    doc.write(1, 1, QStringLiteral("x"));
+    EXPECT_TRUE(doc.save()) << qPrintable(doc.errorString());
+    EXPECT_TRUE(QFileInfo(path).size() > 0);
+    EXPECT_TRUE(doc.errorString().isEmpty());
 }
 
 TEST(DocumentSave, AnUnwritableTargetFailsAndLeavesWhatWasThere)
@@ -155,15 +140,4 @@ TEST(DocumentSave, AnUnwritableTargetFailsAndLeavesWhatWasThere)
     EXPECT_TRUE(QFileInfo(folder).isDir());
     EXPECT_FALSE(doc.saveAs(dir.filePath(QStringLiteral("no/such/folder/book.xlsx"))));
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), QStringList());
-}
-
-TEST(DocumentSave, SaveWritesToTheOpenedPath)
-{
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("new.xlsx"));
-    Document doc(path);
-    doc.write(1, 1, QStringLiteral("x"));
-    EXPECT_TRUE(doc.save()) << qPrintable(doc.errorString());
-    EXPECT_TRUE(QFileInfo(path).size() > 0);
-    EXPECT_TRUE(doc.errorString().isEmpty());
 }

@@ -26,7 +26,7 @@ TEST(WorksheetValues, TextStaysTextWhateverItLooksLike)
     }
 }
 
-TEST(WorksheetValues, NumbersBooleansAndOtherTypes)
+TEST(WorksheetValues, NumbersBooleansAndOtherTypesAndNonFiniteNumbersAsNumErrors)
 {
     Document doc;
     doc.write(1, 1, 42);
@@ -36,6 +36,8 @@ TEST(WorksheetValues, NumbersBooleansAndOtherTypes)
     doc.write(1, 5, 1.5f);
     doc.write(1, 6, true);
     doc.write(1, 7, QByteArray("bytes"));
+    doc.write(1, 8, std::numeric_limits<double>::quiet_NaN());
+    doc.write(1, 9, std::numeric_limits<double>::infinity());
     EXPECT_EQ(doc.read(1, 1), QVariant(42.0));
     EXPECT_EQ(doc.read(1, 2), QVariant(2.5));
     EXPECT_EQ(doc.read(1, 3), QVariant(double(qint64(1) << 40)));
@@ -44,18 +46,11 @@ TEST(WorksheetValues, NumbersBooleansAndOtherTypes)
     EXPECT_EQ(doc.cellAt(1, 6)->cellType(), Cell::BooleanType);
     EXPECT_EQ(doc.read(1, 6), QVariant(true));
     EXPECT_EQ(doc.read(1, 7), QVariant(QStringLiteral("bytes")));
+    EXPECT_EQ(doc.cellAt(1, 8)->cellType(), Cell::ErrorType);
+    EXPECT_EQ(doc.read(1, 9), QVariant(QStringLiteral("#NUM!")));
 }
 
-TEST(WorksheetValues, NonFiniteNumbersBecomeNumErrors)
-{
-    Document doc;
-    doc.write(1, 1, std::numeric_limits<double>::quiet_NaN());
-    doc.write(1, 2, std::numeric_limits<double>::infinity());
-    EXPECT_EQ(doc.cellAt(1, 1)->cellType(), Cell::ErrorType);
-    EXPECT_EQ(doc.read(1, 2), QVariant(QStringLiteral("#NUM!")));
-}
-
-TEST(WorksheetValues, NullVariantIsAFormattedBlank)
+TEST(WorksheetValues, NullVariantIsAFormattedBlankAndOverwritingReplacesValueAndFormat)
 {
     Document doc;
     Format bordered;
@@ -66,37 +61,23 @@ TEST(WorksheetValues, NullVariantIsAFormattedBlank)
     EXPECT_EQ(cell->cellType(), Cell::BlankType);
     EXPECT_FALSE(cell->value().isValid());
     EXPECT_EQ(cell->format(), bordered);
-}
-
-TEST(WorksheetValues, OverwritingReplacesValueAndFormat)
-{
-    Document doc;
-    Format bold;
-    bold.setFontBold(true);
-    doc.write(1, 1, QStringLiteral("old"), bold);
-    doc.write(1, 1, 3);
-    EXPECT_EQ(doc.read(1, 1), QVariant(3.0));
-    EXPECT_TRUE(doc.cellAt(1, 1)->format().isEmpty());
+    doc.write(2, 2, 3);
+    EXPECT_EQ(doc.read(2, 2), QVariant(3.0));
+    EXPECT_TRUE(doc.cellAt(2, 2)->format().isEmpty());
 }
 
 TEST(WorksheetValues, CellsWrittenOutOfOrderAreFound)
 {
     Document doc;
-    doc.write(5, 5, 55);
-    doc.write(1, 3, 13);
-    doc.write(5, 1, 51);
-    doc.write(3, 2, 32);
-    doc.write(1, 1, 11);
-    EXPECT_EQ(doc.read(1, 1), QVariant(11.0));
-    EXPECT_EQ(doc.read(1, 3), QVariant(13.0));
-    EXPECT_EQ(doc.read(3, 2), QVariant(32.0));
-    EXPECT_EQ(doc.read(5, 1), QVariant(51.0));
-    EXPECT_EQ(doc.read(5, 5), QVariant(55.0));
+    for (int cell : {55, 13, 51, 32, 11})
+        doc.write(cell / 10, cell % 10, cell);
+    for (int cell : {11, 13, 32, 51, 55})
+        EXPECT_EQ(doc.read(cell / 10, cell % 10), QVariant(double(cell)));
     EXPECT_EQ(doc.cellAt(5, 3), nullptr);
     EXPECT_EQ(doc.cellAt(4, 1), nullptr);
 }
 
-TEST(WorksheetDates, DatesGetADateFormatUnlessTheCallerGaveOne)
+TEST(WorksheetDates, DatesGetADateFormatUnlessTheCallerGaveOneAndReadAsTimeDateOrDateTime)
 {
     Document doc;
     doc.write(1, 1, QDate(2024, 2, 29));
@@ -110,61 +91,33 @@ TEST(WorksheetDates, DatesGetADateFormatUnlessTheCallerGaveOne)
     own.setNumberFormat(QStringLiteral("dd.mm.yyyy"));
     doc.write(1, 2, QDate(2024, 2, 29), own);
     EXPECT_EQ(doc.cellAt(1, 2)->format().numberFormat(), QStringLiteral("dd.mm.yyyy"));
-}
 
-TEST(WorksheetDates, ReadGivesTimeDateOrDateTime)
-{
-    Document doc;
     const QDateTime stamp(QDate(2021, 7, 3), QTime(13, 14, 15));
-    doc.write(1, 1, stamp);
-    doc.write(1, 2, QTime(6, 30));
-    EXPECT_EQ(doc.read(1, 1), QVariant(stamp));
-    EXPECT_EQ(doc.cellAt(1, 1)->format().numberFormat(), QStringLiteral("yyyy-mm-dd hh:mm:ss"));
-    EXPECT_EQ(doc.read(1, 2), QVariant(QTime(6, 30)));
-    EXPECT_EQ(doc.cellAt(1, 2)->value(), QVariant(0.2708333333333333));
-    EXPECT_EQ(doc.cellAt(1, 2)->dateTime().date().year(), 1899);
+    doc.write(2, 1, stamp);
+    doc.write(2, 2, QTime(6, 30));
+    EXPECT_EQ(doc.read(2, 1), QVariant(stamp));
+    EXPECT_EQ(doc.cellAt(2, 1)->format().numberFormat(), QStringLiteral("yyyy-mm-dd hh:mm:ss"));
+    EXPECT_EQ(doc.read(2, 2), QVariant(QTime(6, 30)));
+    EXPECT_EQ(doc.cellAt(2, 2)->value(), QVariant(0.2708333333333333));
+    EXPECT_EQ(doc.cellAt(2, 2)->dateTime().date().year(), 1899);
 }
 
-TEST(WorksheetDates, NumbersWithoutDateFormatAreNotDates)
+TEST(WorksheetDates, TheDateSystemDecidesTheSerialAndOnlyDateFormatsMakeDates)
 {
     Document doc;
     doc.write(1, 1, 45351);
     EXPECT_FALSE(doc.cellAt(1, 1)->isDateTime());
     EXPECT_FALSE(doc.cellAt(1, 1)->dateTime().isValid());
     EXPECT_EQ(doc.read(1, 1), QVariant(45351.0));
-}
-
-TEST(WorksheetDates, TheDateSystemDecidesTheSerial)
-{
-    Document doc;
+    ASSERT_TRUE(doc.write(1, 2, QDate()));
+    EXPECT_EQ(doc.cellAt(1, 2)->cellType(), Cell::BlankType);
     doc.setDate1904(true);
-    doc.write(1, 1, QDate(1904, 1, 2));
-    EXPECT_EQ(doc.cellAt(1, 1)->value(), QVariant(1.0));
-    EXPECT_EQ(doc.read(1, 1), QVariant(QDate(1904, 1, 2)));
+    doc.write(1, 3, QDate(1904, 1, 2));
+    EXPECT_EQ(doc.cellAt(1, 3)->value(), QVariant(1.0));
+    EXPECT_EQ(doc.read(1, 3), QVariant(QDate(1904, 1, 2)));
 }
 
-TEST(WorksheetDates, InvalidDateIsABlank)
-{
-    Document doc;
-    ASSERT_TRUE(doc.write(1, 1, QDate()));
-    EXPECT_EQ(doc.cellAt(1, 1)->cellType(), Cell::BlankType);
-}
-
-TEST(WorksheetLimits, TheGridEdgesAreWritableAndNothingBeyond)
-{
-    Document doc;
-    EXPECT_TRUE(doc.write(1048576, 16384, 1));
-    EXPECT_TRUE(doc.write(CellReference("XFD1048576"), 2));
-    EXPECT_EQ(doc.read(1048576, 16384), QVariant(2.0));
-    EXPECT_FALSE(doc.write(0, 1, 1));
-    EXPECT_FALSE(doc.write(1, 0, 1));
-    EXPECT_FALSE(doc.write(1048577, 1, 1));
-    EXPECT_FALSE(doc.write(1, 16385, 1));
-    EXPECT_FALSE(doc.write(CellReference("XFE1"), 1));
-    EXPECT_EQ(doc.dimension(), CellRange(1048576, 16384, 1048576, 16384));
-}
-
-TEST(WorksheetDimension, EmptyAndSparseSheets)
+TEST(WorksheetDimension, CoversTheStoredCellsUpToTheGridEdgesAndNothingBeyond)
 {
     Document doc;
     doc.addSheet();
@@ -179,6 +132,15 @@ TEST(WorksheetDimension, EmptyAndSparseSheets)
     EXPECT_EQ(doc.dimension(), CellRange(2, 2, 7, 9));
     doc.setRowHeight(20, 30);      // a sized row without cells does not
     EXPECT_EQ(doc.dimension(), CellRange(2, 2, 7, 9));
+
+    EXPECT_TRUE(doc.write(1048576, 16384, 1));
+    EXPECT_TRUE(doc.write(CellReference("XFD1048576"), 2));
+    EXPECT_EQ(doc.read(1048576, 16384), QVariant(2.0));
+    const int outside[][2] = {{0, 1}, {1, 0}, {1048577, 1}, {1, 16385}};
+    for (const auto& cell : outside)
+        EXPECT_FALSE(doc.write(cell[0], cell[1], 1)) << cell[0] << "," << cell[1];
+    EXPECT_FALSE(doc.write(CellReference("XFE1"), 1));
+    EXPECT_EQ(doc.dimension(), CellRange(2, 2, 1048576, 16384));
 }
 
 TEST(WorksheetMerges, AcceptsDisjointRangesOnly)
@@ -228,7 +190,7 @@ TEST(WorksheetMerges, AHugeFormattedMergeStaysSmall)
     EXPECT_EQ(doc.cellAt(2, 2), nullptr);
 }
 
-TEST(WorksheetSizes, RowHeights)
+TEST(WorksheetSizes, RowHeightsAndColumnRangesThatSplitAndJoin)
 {
     Document doc;
     EXPECT_TRUE(doc.setRowHeight(3, 30.5));
@@ -242,11 +204,7 @@ TEST(WorksheetSizes, RowHeights)
     EXPECT_FALSE(doc.setRowHeight(1, -1));
     EXPECT_FALSE(doc.setRowHeight(1, 500));
     EXPECT_FALSE(doc.setRowHeight(1, std::nan("")));
-}
 
-TEST(WorksheetSizes, ColumnRangesSplitAndJoin)
-{
-    Document doc;
     ASSERT_TRUE(doc.setColumnWidth(1, 10, 12));
     ASSERT_TRUE(doc.setColumnWidth(4, 6, 30));
     EXPECT_EQ(doc.columnWidth(3), 12.0);

@@ -25,15 +25,10 @@ TEST(DateFormatDetection, CustomCodes)
         {"yyyy-mm-dd", true}, {"[$-409]m/d/yy", true}, {"mm:ss", true}, {"[h]:mm", true},
         {"[ss]", true}, {"h AM/PM", true}, {"DD/MM/YYYY", true}, {"\"Date:\" d", true},
         {"[$-F800]dddd\\,\\ mmmm\\ dd\\,\\ yyyy", true}, {"0.00;yyyy", true},
+        {"0 \"yyyy", false}, {"[Red yyyy", false},   // unterminated quotes and brackets
     };
     for (const auto& c : cases)
         EXPECT_EQ(isDateTimeFormatCode(QString::fromUtf8(c.code)), c.isDate) << c.code;
-}
-
-TEST(DateFormatDetection, UnterminatedQuotesAndBracketsAreNotDates)
-{
-    EXPECT_FALSE(isDateTimeFormatCode(u"0 \"yyyy"));
-    EXPECT_FALSE(isDateTimeFormatCode(u"[Red yyyy"));
 }
 
 TEST(BuiltinNumberFormats, CodesAndIdsMatch)
@@ -48,27 +43,13 @@ TEST(BuiltinNumberFormats, CodesAndIdsMatch)
 
 TEST(DateSerials1900, KeepThePhantomLeapDay)
 {
-    EXPECT_EQ(toSerial(QDate(1900, 1, 1), false), 1.0);
-    EXPECT_EQ(toSerial(QDate(1900, 2, 28), false), 59.0);
-    EXPECT_EQ(toSerial(QDate(1900, 3, 1), false), 61.0);
-    EXPECT_EQ(toSerial(QDate(2024, 2, 29), false), 45351.0);
-    EXPECT_EQ(fromSerial(1, false).date(), QDate(1900, 1, 1));
-    EXPECT_EQ(fromSerial(59, false).date(), QDate(1900, 2, 28));
-    EXPECT_EQ(fromSerial(61, false).date(), QDate(1900, 3, 1));
-    EXPECT_EQ(fromSerial(45351, false).date(), QDate(2024, 2, 29));
-}
-
-TEST(DateSerials1900, SerialSixtyIsTheLastRealDayBeforeIt)
-{
-    EXPECT_EQ(fromSerial(60, false).date(), QDate(1900, 2, 28));
-}
-
-TEST(DateSerials1904, CountFromNewYear1904)
-{
-    EXPECT_EQ(toSerial(QDate(1904, 1, 1), true), 0.0);
-    EXPECT_EQ(toSerial(QDate(2024, 2, 29), true), 45351.0 - 1462);
-    EXPECT_EQ(fromSerial(0, true).date(), QDate(1904, 1, 1));
-    EXPECT_EQ(fromSerial(45351.0 - 1462, true).date(), QDate(2024, 2, 29));
+    const struct { QDate date; double serial; } days[] = {
+        {QDate(1900, 1, 1), 1}, {QDate(1900, 2, 28), 59}, {QDate(1900, 3, 1), 61}, {QDate(2024, 2, 29), 45351}};
+    for (const auto& day : days) {
+        EXPECT_EQ(toSerial(day.date, false), day.serial);
+        EXPECT_EQ(fromSerial(day.serial, false).date(), day.date);
+    }
+    EXPECT_EQ(fromSerial(60, false).date(), QDate(1900, 2, 28)) << "the last real day before it";
 }
 
 TEST(DateSerials, TimeIsTheFractionRoundedToTheMillisecond)

@@ -4,7 +4,7 @@
 
 using QXlsx::detail::StringPool;
 
-TEST(StringPool, EqualTextsShareOneEntry)
+TEST(StringPool, EqualTextsShareOneEntryUntilCleared)
 {
     StringPool pool;
     const quint32 a = pool.add(u"Feature 1");
@@ -13,6 +13,10 @@ TEST(StringPool, EqualTextsShareOneEntry)
     EXPECT_EQ(pool.add(u"Feature 1"), a);
     EXPECT_EQ(pool.add("Feature 2", 9), b);
     EXPECT_EQ(pool.count(), 2u);
+    pool.clear();
+    EXPECT_EQ(pool.count(), 0u);
+    EXPECT_EQ(pool.add(u"two"), 0u);
+    EXPECT_EQ(pool.text(0), QStringLiteral("two"));
 }
 
 TEST(StringPool, KeepsTextExactly)
@@ -63,14 +67,4 @@ TEST(StringPool, RichEntriesAreNeverShared)
     EXPECT_EQ(pool.text(rich), QStringLiteral("Bold"));
     EXPECT_EQ(pool.richXml(rich), QByteArray("<r><rPr><b/></rPr><t>Bold</t></r>"));
     EXPECT_EQ(pool.add(u"Bold"), plain);
-}
-
-TEST(StringPool, ClearForgetsEverything)
-{
-    StringPool pool;
-    pool.add(u"one");
-    pool.clear();
-    EXPECT_EQ(pool.count(), 0u);
-    EXPECT_EQ(pool.add(u"two"), 0u);
-    EXPECT_EQ(pool.text(0), QStringLiteral("two"));
 }

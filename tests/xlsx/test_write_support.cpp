@@ -9,6 +9,7 @@
 #include <QJsonDocument>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QUrl>
 
 namespace writetest {
 
@@ -55,6 +56,25 @@ QByteArray entry(const QString& path, const QString& name)
     return data;
 }
 
+namespace {
+
+QByteArray run(const QString& program, const QStringList& arguments, QString* error, int timeoutMs)
+{
+    QProcess process;
+    process.start(program, arguments);
+    if (!process.waitForFinished(timeoutMs) || process.exitStatus() != QProcess::NormalExit
+        || process.exitCode() != 0) {
+        *error = QString::fromUtf8(process.readAllStandardError());
+        if (error->isEmpty())
+            *error = QFileInfo(program).fileName() + QStringLiteral(" failed");
+        return QByteArray();
+    }
+    error->clear();
+    return process.readAllStandardOutput();
+}
+
+} // namespace
+
 bool haveOpenpyxl()
 {
     static const bool have = [] {
@@ -66,22 +86,27 @@ bool haveOpenpyxl()
     return have;
 }
 
+bool haveOffice()
+{
+    return QFileInfo(QStringLiteral(VYGIS_SOFFICE)).isExecutable();
+}
+
 QByteArray runPython(const QStringList& arguments, QString* error, int timeoutMs)
 {
     QStringList args = arguments;
     if (!args.isEmpty() && args.first().endsWith(QLatin1String(".py")))
         args.first() = QStringLiteral(VYGIS_TEST_SOURCE_DIR "/interop/") + args.first();
-    QProcess python;
-    python.start(QStringLiteral(VYGIS_PYTHON3), args);
-    if (!python.waitForFinished(timeoutMs) || python.exitStatus() != QProcess::NormalExit
-        || python.exitCode() != 0) {
-        *error = QString::fromUtf8(python.readAllStandardError());
-        if (error->isEmpty())
-            *error = QStringLiteral("python failed");
-        return QByteArray();
-    }
-    error->clear();
-    return python.readAllStandardOutput();
+    return run(QStringLiteral(VYGIS_PYTHON3), args, error, timeoutMs);
+}
+
+bool convertByOffice(const QStringList& files, const QString& filter, const QString& outDir, QString* error)
+{
+    // A private profile, so that a desktop session of LibreOffice is never in the way.
+    const QTemporaryDir profile;
+    run(QStringLiteral(VYGIS_SOFFICE),
+        QStringList{"-env:UserInstallation=" + QUrl::fromLocalFile(profile.path()).toString(), "--headless",
+                    "--convert-to", filter, "--outdir", outDir} + files, error, 180000);
+    return error->isEmpty();
 }
 
 QJsonObject openpyxlDump(const QString& path)

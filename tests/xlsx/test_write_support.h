@@ -1,6 +1,6 @@
 #pragma once
 
-// What the writer's tests share: saving a document to a scratch file, reading parts of
+// What the engine's tests share: saving a document to a scratch file, reading parts of
 // the package back, and asking real readers (openpyxl, LibreOffice) what they see.
 
 #include <QByteArray>
@@ -21,11 +21,15 @@ QString saved(const QXlsx::Document& document, const QString& name);
 QStringList entryNames(const QString& path);
 QByteArray entry(const QString& path, const QString& name);
 
-// True when the interpreter with openpyxl is there; the tests skip otherwise.
+// True when the interpreter with openpyxl, or LibreOffice, is there; the tests skip otherwise.
 bool haveOpenpyxl();
+bool haveOffice();
 // Runs a script of the interop folder (or code with -c) with the test Python; its
 // standard output, or an empty array with the reason in error.
 QByteArray runPython(const QStringList& arguments, QString* error, int timeoutMs = 60000);
+// Has LibreOffice, with a profile of its own, convert files into outDir through the
+// filter ("xlsx:Calc MS Excel 2007 XML", "csv:..."); false with the reason in error.
+bool convertByOffice(const QStringList& files, const QString& filter, const QString& outDir, QString* error);
 // What openpyxl sees in the workbook at path (see interop/openpyxl_dump.py).
 QJsonObject openpyxlDump(const QString& path);
 // One cell of a sheet of such a dump.

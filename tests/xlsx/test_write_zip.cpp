@@ -104,28 +104,20 @@ TEST(ZipWriter, ADeviceThatRefusesBytesFailsTheArchive)
     EXPECT_FALSE(writer.errorString().isEmpty());
 }
 
-TEST(XmlEscaping, MarkupCharactersAreEscaped)
+TEST(XmlEscaping, MarkupAndLineBreaksAreEscapedSoThatParsersKeepThem)
 {
     EXPECT_EQ(escapedText("a<b & c>d \"q\""), QByteArray("a&lt;b &amp; c&gt;d \"q\""));
     EXPECT_EQ(escapedText("a<b & \"q\"", true), QByteArray("a&lt;b &amp; &quot;q&quot;"));
-}
-
-TEST(XmlEscaping, LineBreaksSurviveParsers)
-{
     // In content a line feed and a tab are safe, a carriage return is not; in an
     // attribute every one of them would be read back as a blank.
     EXPECT_EQ(escapedText("a\tb\nc\r\nd"), QByteArray("a\tb\nc&#13;\nd"));
     EXPECT_EQ(escapedText("a\tb\nc\r", true), QByteArray("a&#9;b&#10;c&#13;"));
 }
 
-TEST(XmlEscaping, CharactersXmlCannotCarryBecomeEscapes)
+TEST(XmlEscaping, CharactersXmlCannotCarryBecomeEscapesAndTextLikeAnEscapeIsProtected)
 {
     EXPECT_EQ(escapedText(QByteArray("a\x01" "b\x1f" "c\0d", 7)), QByteArray("a_x0001_b_x001F_c_x0000_d"));
     EXPECT_EQ(escapedText("\xEF\xBF\xBE \xEF\xBF\xBF \xEF\xBF\xBD"), QByteArray("_xFFFE_ _xFFFF_ \xEF\xBF\xBD"));
-}
-
-TEST(XmlEscaping, TextThatLooksLikeAnEscapeIsProtected)
-{
     EXPECT_EQ(escapedText("_x0041_"), QByteArray("_x005F_x0041_"));
     EXPECT_EQ(escapedText("a_xBEEF_b_x12_c_x004_"), QByteArray("a_x005F_xBEEF_b_x12_c_x004_"));
     EXPECT_EQ(escapedText("snake_case_"), QByteArray("snake_case_"));

@@ -7,6 +7,7 @@ import json
 import sys
 
 import openpyxl
+from openpyxl.cell.cell import MergedCell
 
 
 def color(c):
@@ -38,8 +39,10 @@ def sheet(ws):
     out = {"title": ws.title, "type": type(ws).__name__}
     if not hasattr(ws, "iter_rows"):
         return out
+    # The covered cells of a merge have no style of their own in the file: openpyxl lends
+    # them the border of the merge's first cell, so they are left out.
     out["cells"] = {c.coordinate: cell(c) for row in ws.iter_rows() for c in row
-                    if c.value is not None or c.has_style}
+                    if not isinstance(c, MergedCell) and (c.value is not None or c.has_style)}
     out["merges"] = sorted(str(r) for r in ws.merged_cells.ranges)
     out["rowHeights"] = {str(k): d.height for k, d in ws.row_dimensions.items()
                          if d.height is not None}
