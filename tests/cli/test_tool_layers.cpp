@@ -110,6 +110,10 @@ TEST_F(ToolLayers, MissingSourcesLayersAndColumnsAreNamed)
                                     QStringLiteral("--exclude"), QStringLiteral("HEIGHT")});
     EXPECT_EQ(noColumn.status, 2);
     EXPECT_TRUE(noColumn.err.contains(QStringLiteral("no column HEIGHT")));
+    const ToolRun badFilter = vygis({QStringLiteral("export"), sample(QStringLiteral("cities.geojson")), workbook,
+                                     QStringLiteral("--where"), QStringLiteral("HEIGHT > 3")});
+    EXPECT_EQ(badFilter.status, 1);
+    EXPECT_TRUE(badFilter.err.contains(QStringLiteral("cannot be applied"))) << badFilter.err.toStdString();
     EXPECT_FALSE(QFile::exists(workbook));
 }
 

@@ -56,7 +56,8 @@ int runExport(const QStringList& arguments)
     if (!layer)
         return failure(name, error);
     for (const QString& where : parsed.values(QStringLiteral("--where")))
-        setLayerFilter(*layer, where);
+        if (!setLayerFilter(*layer, where, &error))
+            return failure(name, error);
 
     const QStringList columns = parsed.values(columnsOption);
     QSet<int> excluded;

@@ -65,7 +65,8 @@ int runJoin(const QStringList& arguments)
     if (!layer)
         return failure(commandName, error);
     for (const QString& where : parsed.values(QStringLiteral("--where")))
-        setLayerFilter(*layer, where);
+        if (!setLayerFilter(*layer, where, &error))
+            return failure(commandName, error);
     if (!layer->FindField(tsText(keyField.toUpper())))
         return failure(commandName, QStringLiteral("%1: the layer has no field %2")
                                         .arg(parsed.positional(1), keyField.toUpper()));

@@ -111,8 +111,8 @@ void joinCountryFacts(DemoRun& run)
                             "capital and a continent now")
                  .arg(countFeatures(*countries, QStringLiteral("capital IS NOT NULL"))));
 
-    setLayerFilter(*countries, QStringLiteral("capital IS NOT NULL"));
-    if (!VyExcelUtil::export2Excel(run.output(QStringLiteral("countries-joined.xlsx")), countries.get(), true, {}))
+    if (!setLayerFilter(*countries, QStringLiteral("capital IS NOT NULL"), &error)
+        || !VyExcelUtil::export2Excel(run.output(QStringLiteral("countries-joined.xlsx")), countries.get(), true, {}))
         return run.failed(QStringLiteral("could not export the joined countries"));
     run.made(QStringLiteral("countries-joined.xlsx"),
              QStringLiteral("the joined countries of countries.gpkg, headed by field name and alias, "

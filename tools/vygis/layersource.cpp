@@ -31,11 +31,17 @@ TsRefPtr<TsTable> openTable(const QString& address, QString* error)
     return source ? source->table(where.layer, error) : TsRefPtr<TsTable>();
 }
 
-bool setLayerFilter(TsFeatureLayer& layer, const QString& whereClause)
+bool setLayerFilter(TsFeatureLayer& layer, const QString& whereClause, QString* error)
 {
     auto* gdalLayer = dynamic_cast<TsGdalFeatureLayer*>(&layer);
-    if (!gdalLayer)
+    if (!gdalLayer) {
+        *error = QStringLiteral("this layer takes no filter");
         return false;
+    }
     gdalLayer->SetQueryFilter(TsQueryFilter(tsText(whereClause)));
-    return true;
+    std::vector<int> ids;
+    if (gdalLayer->Search(gdalLayer->query_filter(), ids))
+        return true;
+    *error = QStringLiteral("--where \"%1\" cannot be applied: %2").arg(whereClause, gdalLayer->errorString());
+    return false;
 }

@@ -28,5 +28,6 @@ TsRefPtr<VyObjects::TsFeatureLayer> openFeatureLayer(const QString& address,
 TsRefPtr<VyObjects::TsTable> openTable(const QString& address, QString* error);
 
 // Applies an attribute filter ("FIELD = 'text'", see the host's query filters) to a
-// layer of this provider; false for a layer of another kind.
-bool setLayerFilter(VyObjects::TsFeatureLayer& layer, const QString& whereClause);
+// layer of this provider. False, with the reason in error, for a clause the layer
+// cannot apply (the exports would otherwise write no rows without telling why).
+bool setLayerFilter(VyObjects::TsFeatureLayer& layer, const QString& whereClause, QString* error);
