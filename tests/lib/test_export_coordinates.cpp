@@ -42,6 +42,7 @@ TEST_F(CoordinateExport, WritesHeaderThenCoordinatesAndFieldsAsPlainText)
     EXPECT_TRUE(sheet.format(1, 1).isEmpty() && sheet.format(3, 4).isEmpty());
     EXPECT_TRUE(sheet.merges().isEmpty());
     EXPECT_DOUBLE_EQ(sheet.rowHeight(1), sheet.rowHeight(2));
+    EXPECT_EQ(expectOpenpyxlReadsAsTheEngine(path()), 14);
 }
 
 TEST_F(CoordinateExport, OnlyUpperCaseNamesAreCoordinatesAndRepeatsAreKept)

@@ -1,32 +1,13 @@
 #pragma once
 
-// Shared by the export tests: a fixture that gives each test a folder and fails it when a
-// host object or reference outlives it, and a reader of what a user sees in the workbook.
+// Shared by the export tests: a file a refused export must leave alone, and a reader of
+// what a user sees in the saved workbook.
 
-#include "test_reference_balance.h"
-#include "tsbase.h"
-#include "xlsxdocument.h"
+#include "libtesting.h"
 
-#include <QFile>
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
-
-#include <ostream>
-
-inline void PrintTo(const QString& text, std::ostream* out)
-{
-    *out << '"' << text.toStdString() << '"';
-}
-
-class ExportTest : public ReferenceBalanceTest
+class ExportTest : public LibraryTest
 {
 protected:
-    QString path(const QString& name = QStringLiteral("export.xlsx")) const
-    {
-        return m_dir.filePath(name);
-    }
-
     // A file that a refused export must leave as it was (see keptIntact).
     QString existingFile() const
     {
@@ -35,14 +16,7 @@ protected:
         out.write("earlier content");
         return out.fileName();
     }
-    static bool keptIntact(const QString& file)
-    {
-        QFile in(file);
-        return in.open(QIODevice::ReadOnly) && in.readAll() == "earlier content";
-    }
-
-private:
-    QTemporaryDir m_dir;
+    static bool keptIntact(const QString& file) { return bytesOf(file) == "earlier content"; }
 };
 
 // The sheet of a saved export as a user looks at it.
@@ -94,3 +68,21 @@ inline void expectStyled(const QXlsx::Format& format, bool greyHeader)
         EXPECT_EQ(format.patternForegroundColor().name(), "#cccccc");
     }
 }
+
+// The title of a table export over its columns: merged, 30 points high, styled, with the
+// headers below it styled as headers.
+inline void expectTitledTable(const SavedSheet& sheet, const QString& title, const QStringList& headers)
+{
+    EXPECT_EQ(sheet.text(1, 1), title);
+    expectStyled(sheet.format(1, 1), false);
+    EXPECT_EQ(sheet.merges(), QStringList{"A1:" + QXlsx::CellReference(1, headers.size()).toString()});
+    EXPECT_DOUBLE_EQ(sheet.rowHeight(1), 30.0);
+    EXPECT_EQ(sheet.rowTexts(2, headers.size()), headers);
+    for (int column = 1; column <= headers.size(); ++column)
+        expectStyled(sheet.format(2, column), true);
+}
+
+// Every cell openpyxl finds in file holds the value and shows the style the engine reads
+// there, and both agree on the sheet, the merges and the height of row 1. Returns how
+// many cells openpyxl found.
+int expectOpenpyxlReadsAsTheEngine(const QString& file);

@@ -6,8 +6,6 @@
 
 namespace {
 
-using importtest::ImportTest;
-
 class CheckRules : public ImportTest
 {
 protected:
@@ -16,22 +14,18 @@ protected:
     QVector<QStringList> m_rules{{"stale"}};
 };
 
-TEST_F(CheckRules, TwoEnglishTitleRowsAreSkipped)
+TEST_F(CheckRules, TwoEnglishTitleRowsAreSkippedAndAnyOtherFirstCellSkipsOneRow)
 {
-    const QString file = rows({{" Related layer ", "Field", "Rule", "Value"},
-                               {"Bezugsebene", "Feld", "Regel", "Wert"},
-                               {"roads", "WIDTH", ">", 2.5}});
-    EXPECT_TRUE(read(file));
-    EXPECT_EQ(m_rules, (QVector<QStringList>{{"roads", "WIDTH", ">", "2.5"}}));
-}
-
-TEST_F(CheckRules, AnyOtherFirstCellSkipsOneRow)
-{
-    EXPECT_TRUE(read(rows({{"related layer", "b", "c", "d"}, {"roads", "WIDTH", ">", "2"}})));
-    EXPECT_EQ(m_rules, (QVector<QStringList>{{"roads", "WIDTH", ">", "2"}}));
-
-    EXPECT_TRUE(read(rows({{QVariant(), "b", "c", "d"}, {"rivers", "NAME", "", "x"}}, "blank.xlsx")));
-    EXPECT_EQ(m_rules, (QVector<QStringList>{{"rivers", "NAME", "", "x"}}));
+    const struct { QList<QVariantList> rows; QVector<QStringList> rules; } cases[] = {
+        {{{" Related layer ", "Field", "Rule", "Value"}, {"Bezugsebene", "Feld", "Regel", "Wert"},
+          {"roads", "WIDTH", ">", 2.5}}, {{"roads", "WIDTH", ">", "2.5"}}},
+        {{{"related layer", "b", "c", "d"}, {"roads", "WIDTH", ">", "2"}}, {{"roads", "WIDTH", ">", "2"}}},
+        {{{QVariant(), "b", "c", "d"}, {"rivers", "NAME", "", "x"}}, {{"rivers", "NAME", "", "x"}}},
+    };
+    for (const auto& c : cases) {
+        EXPECT_TRUE(read(rows(c.rows)));
+        EXPECT_EQ(m_rules, c.rules);   // a second call returns only its own rows
+    }
 }
 
 TEST_F(CheckRules, ATranslatedTitleIsATitleToo)
@@ -73,31 +67,19 @@ TEST_F(CheckRules, RowsKeepTheirWidthAndEmptyRowsTheirPlace)
                                              {"x", "", "", "", ""}}));
 }
 
-TEST_F(CheckRules, OnlyFourOrFiveColumnsAreARuleSheet)
+TEST_F(CheckRules, NothingIsReadFromOtherThanFourOrFiveColumnsOrNoWorkbook)
 {
-    EXPECT_FALSE(read(rows({{"a", "b", "c"}, {"1", "2", "3"}})));
-    EXPECT_TRUE(m_rules.isEmpty());
-    EXPECT_FALSE(read(rows({{"a", "b", "c", "d", "e"}, {"1", "2", "3", "4", "5", "stray"}}, "six.xlsx")));
-    EXPECT_TRUE(m_rules.isEmpty());
-}
-
-TEST_F(CheckRules, NothingToReadLeavesTheVectorEmpty)
-{
-    EXPECT_FALSE(read(QString()));
-    EXPECT_TRUE(m_rules.isEmpty());
-    m_rules = {{"stale"}};
-    EXPECT_FALSE(read(path("missing.xlsx")));
-    EXPECT_TRUE(m_rules.isEmpty());
+    const QString files[] = {rows({{"a", "b", "c"}, {"1", "2", "3"}}),
+                             rows({{"a", "b", "c", "d", "e"}, {"1", "2", "3", "4", "5", "stray"}}),
+                             QString(), path("missing.xlsx")};
+    for (const QString& file : files) {
+        m_rules = {{"stale"}};
+        EXPECT_FALSE(read(file)) << file.toStdString();
+        EXPECT_TRUE(m_rules.isEmpty()) << file.toStdString();
+    }
     m_rules = {{"stale"}};
     EXPECT_TRUE(read(rows({{"Related layer", "b", "c", "d"}})));
     EXPECT_TRUE(m_rules.isEmpty());
-}
-
-TEST_F(CheckRules, ASecondCallReturnsOnlyItsOwnRows)
-{
-    EXPECT_TRUE(read(rows({{"t", "b", "c", "d"}, {"first", "", "", ""}})));
-    EXPECT_TRUE(read(rows({{"t", "b", "c", "d"}, {"second", "", "", ""}}, "second.xlsx")));
-    EXPECT_EQ(m_rules, (QVector<QStringList>{{"second", "", "", ""}}));
 }
 
 } // namespace

@@ -11,7 +11,6 @@ static void PrintTo(const TsPoint& point, std::ostream* out)
 
 namespace {
 
-using importtest::ImportTest;
 using VyObjects::TsPoint;
 using Points = std::vector<TsPoint>;
 
@@ -26,25 +25,16 @@ protected:
     }
 };
 
-TEST_F(CoordinateFiles, PairsRowsIntoAClosedRing)
+TEST_F(CoordinateFiles, PairsTextsInReadingOrderIntoAClosedRing)
 {
-    const QString file = rows({{10, 20}, {30.5, "40"}, {50, 60}, {70, 80}});
-    EXPECT_EQ(VyExcelUtil::readCoordinateFile(file),
-              (Points{{10, 20}, {30.5, 40}, {50, 60}, {70, 80}, {10, 20}}));
-}
-
-TEST_F(CoordinateFiles, TextsThatAreNoNumbersReadAsZero)
-{
-    // A header row is data too; a decimal comma is no number.
-    const QString file = rows({{"X", "Y"}, {"12,5", 3}});
-    EXPECT_EQ(VyExcelUtil::readCoordinateFile(file), (Points{{0, 0}, {0, 3}, {0, 0}}));
-}
-
-TEST_F(CoordinateFiles, TextsPairInReadingOrderAcrossRows)
-{
-    const QString file = rows({{1, 100, 200}, {2, 300, 400}});
-    EXPECT_EQ(VyExcelUtil::readCoordinateFile(file),
-              (Points{{1, 100}, {200, 2}, {300, 400}, {1, 100}}));
+    const struct { QList<QVariantList> rows; Points ring; } cases[] = {
+        {{{10, 20}, {30.5, "40"}, {50, 60}, {70, 80}}, {{10, 20}, {30.5, 40}, {50, 60}, {70, 80}, {10, 20}}},
+        // A header row is data too; texts that are no numbers, a decimal comma too, read as zero.
+        {{{"X", "Y"}, {"12,5", 3}}, {{0, 0}, {0, 3}, {0, 0}}},
+        {{{1, 100, 200}, {2, 300, 400}}, {{1, 100}, {200, 2}, {300, 400}, {1, 100}}},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(VyExcelUtil::readCoordinateFile(rows(c.rows)), c.ring);
 }
 
 TEST_F(CoordinateFiles, AMissingCellIsZeroAndAStoredBlankIsPassedOver)
@@ -71,12 +61,6 @@ TEST_F(CoordinateFiles, AMissingCellIsZeroAndAStoredBlankIsPassedOver)
         document.write(2, 3, 8);
     }, "shifted.xlsx");
     EXPECT_EQ(VyExcelUtil::readCoordinateFile(shifted), (Points{{5, 6}, {7, 8}, {5, 6}}));
-}
-
-TEST_F(CoordinateFiles, NothingToPairGivesNoPoints)
-{
-    EXPECT_EQ(VyExcelUtil::readCoordinateFile(path("missing.xlsx")), Points{});
-    EXPECT_EQ(VyExcelUtil::readCoordinateFile(rows({{1, 2, 3}})), Points{});
 }
 
 TEST_F(CoordinateFiles, TextsKeepTheirPositionsRowByRow)
@@ -113,8 +97,10 @@ TEST_F(CoordinateFiles, ATableTypedAwayFromA1IsReadWhereItStands)
               (Points{{3, 30}, {300, 4}, {40, 400}, {3, 30}}));
 }
 
-TEST_F(CoordinateFiles, TextsNeedAnExistingFileWithCells)
+TEST_F(CoordinateFiles, NothingToReadOrPairGivesNothing)
 {
+    EXPECT_EQ(VyExcelUtil::readCoordinateFile(path("missing.xlsx")), Points{});
+    EXPECT_EQ(VyExcelUtil::readCoordinateFile(rows({{1, 2, 3}})), Points{});
     EXPECT_TRUE(VyExcelUtil::readCoordinateFile2(path("missing.xlsx")).isEmpty());
     EXPECT_TRUE(VyExcelUtil::readCoordinateFile2(QString()).isEmpty());
     QXlsx::Document empty;

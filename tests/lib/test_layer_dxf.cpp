@@ -1,10 +1,8 @@
+#include "libtesting.h"
+
 #include "vygisutil.h"
 
 #include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -20,26 +18,22 @@ QByteArray lines(const char* text)
     return QByteArray(text).replace('|', eol);
 }
 
-class DxfCodepage : public ::testing::Test
+class DxfCodepage : public LibraryTest
 {
 protected:
     QString write(const QByteArray& content)
     {
-        const QString path = m_dir.filePath(QStringLiteral("drawing.dxf"));
-        QFile file(path);
+        QFile file(path(QStringLiteral("drawing.dxf")));
         EXPECT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
         file.write(content);
-        return path;
+        return file.fileName();
     }
 
-    static QByteArray rewritten(const QString& path)
+    static QByteArray rewritten(const QString& file)
     {
-        VyUniversalFunction::replaceDxfCodepage(VyObjects::TsString(path.toStdWString()));
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<no file>");
+        VyUniversalFunction::replaceDxfCodepage(VyObjects::TsString(file.toStdWString()));
+        return QFile::exists(file) ? bytesOf(file) : QByteArray("<no file>");
     }
-
-    QTemporaryDir m_dir;
 };
 
 TEST_F(DxfCodepage, RewritesLineByLine)
@@ -76,26 +70,26 @@ TEST_F(DxfCodepage, LinesAcrossReadBlocksAreRewrittenWhole)
 
 TEST_F(DxfCodepage, FileThatCannotBeReadKeepsItsContent)
 {
-    const QString folder = m_dir.filePath(QStringLiteral("folder.dxf"));
+    const QString folder = path(QStringLiteral("folder.dxf"));
     ASSERT_TRUE(QDir().mkdir(folder));
     VyUniversalFunction::replaceDxfCodepage(VyObjects::TsString(folder.toStdWString()));
     EXPECT_TRUE(QFileInfo(folder).isDir());
 
-    const QString path = write("ANSI_1252\n");
-    QFile::setPermissions(path, QFileDevice::WriteOwner);
-    QFile probe(path);
+    const QString file = write("ANSI_1252\n");
+    QFile::setPermissions(file, QFileDevice::WriteOwner);
+    QFile probe(file);
     if (probe.open(QIODevice::ReadOnly))
         return; // the account reads files regardless of permissions
-    VyUniversalFunction::replaceDxfCodepage(VyObjects::TsString(path.toStdWString()));
-    QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    VyUniversalFunction::replaceDxfCodepage(VyObjects::TsString(file.toStdWString()));
+    QFile::setPermissions(file, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
     ASSERT_TRUE(probe.open(QIODevice::ReadOnly));
     EXPECT_EQ(probe.readAll(), "ANSI_1252\n");
 }
 
 TEST_F(DxfCodepage, MissingFileBecomesEmpty)
 {
-    EXPECT_EQ(rewritten(m_dir.filePath(QStringLiteral("new.dxf"))), QByteArray());
-    EXPECT_EQ(rewritten(m_dir.filePath(QStringLiteral("no/such/folder.dxf"))), "<no file>");
+    EXPECT_EQ(rewritten(path(QStringLiteral("new.dxf"))), QByteArray());
+    EXPECT_EQ(rewritten(path(QStringLiteral("no/such/folder.dxf"))), "<no file>");
 }
 
 TEST_F(DxfCodepage, BinaryDrawingIsLeftAlone)

@@ -3,7 +3,6 @@
 #include "vyapplication.h"
 
 #include <QColor>
-#include <QGuiApplication>
 #include <QImage>
 #include <QTemporaryDir>
 
@@ -11,7 +10,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <memory>
 
 namespace {
 
@@ -24,14 +22,6 @@ class LayerTypeIcons : public ::testing::Test
 protected:
     void SetUp() override
     {
-        if (!QCoreApplication::instance()) {
-            if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-                qputenv("QT_QPA_PLATFORM", "offscreen");
-            static int argc = 1;
-            static char name[] = "test_vygisutil";
-            static char* argv[] = {name, nullptr};
-            m_application = std::make_unique<QGuiApplication>(argc, argv);
-        }
         ASSERT_TRUE(m_theme.isValid());
         for (const char* icon : iconNames) {
             QImage square(16, 16, QImage::Format_ARGB32);
@@ -51,7 +41,6 @@ protected:
     }
 
     QTemporaryDir m_theme;
-    std::unique_ptr<QGuiApplication> m_application;
 };
 
 TEST_F(LayerTypeIcons, EveryTypeValueGetsTheIconOfItsName)

@@ -1,6 +1,5 @@
+#include "test_reference_balance.h"
 #include "vygisutil.h"
-
-#include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
@@ -20,7 +19,7 @@ std::string nameOf(const TsRefPtr<TsLayer>& layer)
 }
 
 // Every test also checks that the call gives back each reference it took.
-class UniqueLayerName : public ::testing::Test
+class UniqueLayerName : public ReferenceBalanceTest
 {
 protected:
     TsRefPtr<TsMap> mapWith(const std::vector<std::string>& names)
@@ -30,15 +29,6 @@ protected:
             map->AddLayer(layerNamed(name));
         return map;
     }
-
-    void TearDown() override
-    {
-        EXPECT_EQ(TsRefBase::LiveObjectCount(), m_objects);
-        EXPECT_EQ(TsRefBase::OutstandingReferenceCount(), m_references);
-    }
-
-    const long long m_objects = TsRefBase::LiveObjectCount();
-    const long long m_references = TsRefBase::OutstandingReferenceCount();
 };
 
 TEST_F(UniqueLayerName, NumbersANameAlreadyTaken)

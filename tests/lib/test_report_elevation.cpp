@@ -48,20 +48,15 @@ TEST_F(ElevationReport, HeadingsRestartTheNumberingOfTheirPoints)
     EXPECT_EQ(row(6, 3), QStringList({"1", "60.0000,20.0000", "70.0000"}));
 }
 
-TEST_F(ElevationReport, EdgesAreInsideAndReadTheCellTheyClose)
+TEST_F(ElevationReport, EdgesAreInsideAndReadTheCellTheyCloseAndGroundBelowZeroIsZero)
 {
-    query({"0", "50", "100", "50", "100", "0", "100.0001", "0", "50", "-0.0001"});
+    query({"0", "50", "100", "50", "100", "0", "100.0001", "0", "50", "-0.0001", "1", "1"});
     EXPECT_EQ(m_book->read(2, 3), "10.0000");
     EXPECT_EQ(m_book->read(3, 3), "40.0000");
     EXPECT_EQ(m_book->read(4, 3), "80.0000");
     EXPECT_EQ(m_book->read(5, 3), Outside);
     EXPECT_EQ(m_book->read(6, 3), Outside);
-}
-
-TEST_F(ElevationReport, GroundBelowZeroReadsAsZero)
-{
-    query({"1", "1"});
-    EXPECT_EQ(m_book->read(2, 3), "0.0000");
+    EXPECT_EQ(m_book->read(7, 3), "0.0000") << "ground below zero reads as zero";
 }
 
 TEST_F(ElevationReport, OnlyFiguresOfPointsInsideWidenTheColumns)

@@ -2,20 +2,9 @@
 
 #include "vygisutil.h"
 
-#include <QFile>
-#include <QProcess>
-
 namespace {
 
-class ErrorTable : public reporttest::ReportTest
-{
-protected:
-    QByteArray bytes() const
-    {
-        QFile file(path());
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
-};
+using ErrorTable = reporttest::ReportTest;
 
 TEST_F(ErrorTable, TriplesFollowACentredHeaderAsPlainText)
 {
@@ -58,14 +47,11 @@ TEST_F(ErrorTable, AnExistingWorkbookKeepsItsOtherContent)
 
 TEST_F(ErrorTable, AnActiveChartSheetLeavesTheFileAlone)
 {
-    const QString script = QStringLiteral(
-        "import openpyxl, sys\nb = openpyxl.Workbook()\nb.create_chartsheet('Chart')\n"
-        "b.active = 1\nb.save(sys.argv[1])\n");
-    if (QProcess::execute(QStringLiteral(VYGIS_PYTHON3), {"-c", script, path()}) != 0)
-        GTEST_SKIP() << "no openpyxl to write a chart sheet";
-    const QByteArray before = bytes();
+    python("b = openpyxl.Workbook()\nb.create_chartsheet('Chart')\nb.active = 1\nb.save(sys.argv[1])\n", path());
+    SKIP_IF_TOOL_FAILED();
+    const QByteArray before = bytesOf(path());
     EXPECT_FALSE(VyExcelUtil::exportErrorTable({"dangle", "1", "rivers"}, path()));
-    EXPECT_EQ(bytes(), before);
+    EXPECT_EQ(bytesOf(path()), before);
 }
 
 } // namespace

@@ -2,13 +2,10 @@
 
 // Reading report workbooks back as a user sees them.
 
-#include "xlsxdocument.h"
+#include "libtesting.h"
 
 #include <QCoreApplication>
-#include <QTemporaryDir>
 #include <QTranslator>
-
-#include <gtest/gtest.h>
 
 #include <memory>
 
@@ -28,11 +25,10 @@ public:
     }
 };
 
-class ReportTest : public ::testing::Test
+class ReportTest : public LibraryTest
 {
 protected:
-    QString path() const { return m_dir.filePath(QStringLiteral("report.xlsx")); }
-    QString unwritablePath() const { return m_dir.filePath(QStringLiteral("no/dir.xlsx")); }
+    QString unwritablePath() const { return path(QStringLiteral("no/dir.xlsx")); }
 
     void open(const QString& file) { m_book = std::make_unique<QXlsx::Document>(file); }
 
@@ -60,7 +56,6 @@ protected:
             && format.bottomBorderStyle() == QXlsx::Format::BorderThin;
     }
 
-    QTemporaryDir m_dir;
     std::unique_ptr<QXlsx::Document> m_book;
 };
 

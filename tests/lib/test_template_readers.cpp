@@ -10,17 +10,14 @@ using TableNames = TemplateFiles;
 using FieldContent = TemplateFiles;
 using ImportTemplate = TemplateFiles;
 
-TEST_F(TableNames, GivesColumnAFromRow2InRowOrder)
+TEST_F(TableNames, GivesColumnAFromRow2InRowOrderBelowExactlyTableNameInA1)
 {
     const QString names = save({{"TableName"}, {"roads"}, {Unstored}, {"roads"}, {Unstored, "B5"}});
     EXPECT_EQ(VyExcelUtil::readFieldsTemplateTableName(names), (QStringList{"roads", "", "roads", ""}));
     // A field template gives one name per field row; the other columns, even a sixth, are not read.
     const QString fields = saveTemplate({field("a", "id") << "extra", field("a", "x"), field("b", "y")});
     EXPECT_EQ(VyExcelUtil::readFieldsTemplateTableName(fields), (QStringList{"a", "a", "b"}));
-}
-
-TEST_F(TableNames, NeedsExactlyTableNameInA1AndARowBelow)
-{
+    // Only with exactly "TableName" in A1 and a row below.
     for (const char* a1 : {"tablename", " TableName", "Table Name", "TableName "})
         EXPECT_TRUE(VyExcelUtil::readFieldsTemplateTableName(save({{a1}, {"roads"}})).isEmpty()) << a1;
     EXPECT_TRUE(VyExcelUtil::readFieldsTemplateTableName(save({{Unstored, "TableName"}, {"roads"}})).isEmpty());
@@ -40,15 +37,12 @@ TEST_F(FieldContent, GivesEveryRowOfOneTableWithAndWithoutItsName)
               concat({field("a", "1"), field("a", "2"), field("a", "5")}));
     for (const char* name : {"A", "a ", " a"})
         EXPECT_TRUE(VyExcelUtil::readFieldsTemplateTableContent1(name, file).isEmpty()) << name;
-}
-
-TEST_F(FieldContent, AnEmptyNameSelectsRowsWithoutANameAndGroupsKeepTheirSize)
-{
-    const QString file = saveTemplate({{Unstored, "n1", "t1", Unstored, "p1"}, field("a", "2"),
-                                       {"", "n3", "t3", "l3", Unstored}});
-    EXPECT_EQ(VyExcelUtil::readFieldsTemplateTableContent1("", file),
+    // An empty name selects the rows without a name, and groups keep their size.
+    const QString unnamed = saveTemplate({{Unstored, "n1", "t1", Unstored, "p1"}, field("a", "2"),
+                                          {"", "n3", "t3", "l3", Unstored}});
+    EXPECT_EQ(VyExcelUtil::readFieldsTemplateTableContent1("", unnamed),
               (QStringList{"", "n1", "t1", "", "p1", "", "n3", "t3", "l3", ""}));
-    EXPECT_EQ(VyExcelUtil::readFieldsTemplateTableContent("", file),
+    EXPECT_EQ(VyExcelUtil::readFieldsTemplateTableContent("", unnamed),
               (QStringList{"n1", "t1", "", "p1", "n3", "t3", "l3", ""}));
 }
 
