@@ -77,6 +77,15 @@ TEST_F(ElevationReport, UnparsableTextsAndAnUnpairedEntryStayVisible)
     EXPECT_EQ(row(3, 1), QStringList({"5"}));
 }
 
+TEST_F(ElevationReport, PointTextsReadAndPrintAsQtReadsAndPrintsNumbers)
+{
+    query({" 7", "+8", "1e1", "-0", "-0.00001", "0.5", "12.", ".25"});
+    EXPECT_EQ(m_book->read(2, 2), "7.0000,8.0000") << "blanks and a plus sign";
+    EXPECT_EQ(m_book->read(3, 2), "10.0000,0.0000") << "an exponent; zero without a sign";
+    EXPECT_EQ(m_book->read(4, 2), "-0.0000,0.5000") << "a negative rounding to zero keeps it";
+    EXPECT_EQ(m_book->read(5, 2), "12.0000,0.2500");
+}
+
 TEST_F(ElevationReport, TheRasterReferenceAndBlockAreGivenBack)
 {
     const long long liveObjects = VyObjects::TsRefBase::LiveObjectCount();
