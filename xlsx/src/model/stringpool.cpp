@@ -24,7 +24,8 @@ quint32 hashBytes(const char* p, int size)
         size -= 8;
     }
     quint64 tail = 0;
-    std::memcpy(&tail, p, size_t(size));
+    if (size > 0)   // an empty text may come without bytes: p is then null
+        std::memcpy(&tail, p, size_t(size));
     h = (h ^ tail) * 0x94D049BB133111EBull;
     h ^= h >> 29;
     h *= 0xBF58476D1CE4E5B9ull;
