@@ -12,9 +12,11 @@
 #include "xlsxabstractsheet.h"
 
 #include <QFile>
+#include <QHash>
 #include <QSet>
 
 #include <algorithm>
+#include <cstring>
 
 namespace QXlsx::detail {
 
@@ -64,7 +66,8 @@ bool readPart(ZipReader& zip, int index, QByteArray* data, QString* error)
     QString zipError;
     if (zip.readAll(index, data, &zipError))
         return true;
-    *error = zipError;
+    if (error)   // readPackage may be asked for no reason
+        *error = zipError;
     return false;
 }
 
@@ -80,21 +83,34 @@ AbstractSheet::SheetType sheetType(const QString& kind)
 }
 
 // Sheet names in a file are trusted except for what would break the model: an empty
-// name or one taken already (names compare without regard to case).
-QString usableSheetName(const QString& name, const WorkbookData& book)
+// name or one taken already (names compare without regard to case). The names taken
+// and the last number given to each base are kept, so that a workbook listing
+// thousands of sheets of one name is named in linear time.
+class SheetNames
 {
-    auto taken = [&](const QString& candidate) {
-        for (const auto& sheet : book.sheets)
-            if (sheet->name.compare(candidate, Qt::CaseInsensitive) == 0)
-                return true;
-        return false;
-    };
-    const QString base = name.trimmed().isEmpty()
-        ? QStringLiteral("Sheet%1").arg(book.sheets.size() + 1) : name;
-    QString candidate = base;
-    for (int n = 2; taken(candidate); ++n)
-        candidate = QStringLiteral("%1 (%2)").arg(base.left(26)).arg(n);
-    return candidate;
+public:
+    QString usable(const QString& name, int position)
+    {
+        const QString base = name.trimmed().isEmpty() ? QStringLiteral("Sheet%1").arg(position) : name;
+        QString candidate = base;
+        int& number = m_lastNumber[base.toCaseFolded()];
+        while (m_taken.contains(candidate.toCaseFolded()))
+            candidate = QStringLiteral("%1 (%2)").arg(base.left(26)).arg(number = qMax(number, 1) + 1);
+        m_taken.insert(candidate.toCaseFolded());
+        return candidate;
+    }
+
+private:
+    QSet<QString> m_taken;
+    QHash<QString, int> m_lastNumber;
+};
+
+// A compound document (OLE2) is what Excel writes for a workbook with a password to
+// open, and for the binary format of Excel 97-2003.
+bool isCompoundDocument(const char* data, qint64 size)
+{
+    static const char signature[] = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1";
+    return size >= 8 && std::memcmp(data, signature, 8) == 0;
 }
 
 class PackageReader
@@ -130,16 +146,22 @@ private:
     QSet<int> m_consumed;
     QString m_problem;
     QString m_workbookPart;
-    std::vector<Relationship> m_sheetRelationships;
+    QHash<QString, Relationship> m_sheetRelationships;   // by id; a later duplicate wins
     quint32 m_firstString = 0;
     quint32 m_stringCount = 0;
     std::vector<quint32> m_styles;
     QString m_stylesPart;
     QString m_sharedStringsPart;
+    SheetNames m_sheetNames;
 };
 
 bool PackageReader::read(const char* data, qint64 size, QString* error)
 {
+    if (isCompoundDocument(data, size)) {
+        if (error)
+            *error = QStringLiteral("an encrypted workbook or one in the Excel 97-2003 format, which cannot be read");
+        return false;
+    }
     if (!m_zip.open(data, size, error))
         return false;
 
@@ -153,7 +175,9 @@ bool PackageReader::read(const char* data, qint64 size, QString* error)
     const int workbookIndex = m_workbookPart.isEmpty() ? -1 : consume(m_workbookPart);
     if (workbookIndex < 0 || !readPart(m_zip, workbookIndex, &xml, error)) {
         if (error && workbookIndex < 0)
-            *error = QStringLiteral("the package holds no workbook");
+            *error = m_zip.indexOf(QStringLiteral("mimetype")) >= 0
+                ? QStringLiteral("an OpenDocument file, not a workbook package")
+                : QStringLiteral("the package holds no workbook");
         m_book.clear();
         return false;
     }
@@ -207,7 +231,8 @@ void PackageReader::readWorkbookRelationships(const QString& workbookPart)
         } else if (kind == QLatin1String("worksheet") || kind == QLatin1String("chartsheet")
                    || kind == QLatin1String("dialogsheet") || kind == QLatin1String("xlMacrosheet")
                    || kind == QLatin1String("xlIntlMacrosheet")) {
-            m_sheetRelationships.push_back(std::move(relationship));
+            if (!relationship.external)
+                m_sheetRelationships.insert(relationship.id, std::move(relationship));
         } else {
             m_book.workbookRelationships.push_back(std::move(relationship));
         }
@@ -241,10 +266,8 @@ void PackageReader::readSharedStrings()
 
 void PackageReader::readSheet(const SheetEntry& entry)
 {
-    const Relationship* relationship = nullptr;
-    for (const Relationship& candidate : m_sheetRelationships)
-        if (candidate.id == entry.relationshipId && !candidate.external)
-            relationship = &candidate;
+    const auto found = m_sheetRelationships.constFind(entry.relationshipId);
+    const Relationship* relationship = found == m_sheetRelationships.constEnd() ? nullptr : &found.value();
     const QString partName = relationship ? resolveTarget(m_workbookPart, relationship->target) : QString();
     const int index = partName.isEmpty() ? -1 : consume(partName);
     AbstractSheet::SheetType type = relationship ? sheetType(relationshipKind(relationship->type))
@@ -255,7 +278,7 @@ void PackageReader::readSheet(const SheetEntry& entry)
         type = AbstractSheet::ST_WorkSheet;
     }
 
-    SheetData* sheet = m_book.appendSheet(usableSheetName(entry.name, m_book), type);
+    SheetData* sheet = m_book.appendSheet(m_sheetNames.usable(entry.name, int(m_book.sheets.size()) + 1), type);
     sheet->state = entry.state;
     sheet->sheetId = entry.sheetId;
     sheet->relationshipId = entry.relationshipId;

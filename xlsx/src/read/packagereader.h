@@ -13,8 +13,10 @@ struct ReadLimits
 {
     qint64 maxPartSize = qint64(4) << 30;       // inflated bytes of one part
     qint64 maxTotalSize = qint64(16) << 30;     // inflated bytes of all parts read
-    // Inflated / compressed, judged once a part passes 1 MiB. Deflate cannot pass about
-    // 1030, so a higher limit would not stop anything; real sheets stay far below 100.
+    // Inflated / compressed, judged once a part passes 1 MiB, and for all parts read
+    // together against the size of the package once they pass 64 MiB (entries may share
+    // their compressed bytes). Deflate cannot pass about 1030, so a higher limit would
+    // not stop anything; real sheets stay far below 100.
     qint64 maxCompressionRatio = 200;
     int maxParts = 100000;
 };

@@ -4,6 +4,7 @@
 #include <zip.h>
 #include <zlib.h>
 
+#include <limits>
 #include <memory>
 #include <vector>
 
@@ -15,6 +16,12 @@ constexpr int ChunkSize = 64 * 1024;
 // Ratios are only judged past this size: small parts compress wildly (a sheet of
 // repeated XML) without being any danger.
 constexpr qint64 RatioFloor = 1 << 20;
+// All parts together are held to the same ratio against the size of the whole package,
+// past this size. Entries of a hostile archive can share their compressed bytes, each
+// within the ratio on its own, so that a small file would inflate without end.
+constexpr qint64 TotalRatioFloor = 64 << 20;
+// A part read whole must fit in one QByteArray.
+constexpr qint64 MaxWholePart = std::numeric_limits<int>::max() - (1 << 20);
 // Inflating into a chunk that stays in cache while the reader goes through it is faster
 // than inflating a whole entry at once, even with libdeflate, which takes half zlib's
 // time for that: a buffer the size of a big sheet costs more in fresh pages and memory
@@ -37,6 +44,14 @@ struct ZipFileCloser
 {
     void operator()(zip_file_t* file) const { zip_fclose(file); }
 };
+
+// A package is mostly small parts: a buffer no larger than the part needs, and left
+// uninitialised, saves clearing half a megabyte for every part of a few hundred bytes.
+std::unique_ptr<char[]> chunkFor(qint64 bytes, int& size)
+{
+    size = int(qBound<qint64>(4096, bytes + 1, StreamChunk));
+    return std::unique_ptr<char[]>(new char[size_t(size)]);
+}
 
 } // namespace
 
@@ -66,6 +81,7 @@ bool ZipReader::open(const char* data, qint64 size, QString* error)
         zip_error_fini(&zerr);
         return false;
     }
+    m_archiveSize = size;
     m_zip = zip_open_from_source(m_source, ZIP_RDONLY, &zerr);
     if (!m_zip) {
         fail(error, QStringLiteral("not a zip package: %1").arg(QString::fromUtf8(zip_error_strerror(&zerr))));
@@ -101,7 +117,8 @@ int ZipReader::indexOf(const QString& partName) const
 bool ZipReader::withinLimits(qint64 inflated, qint64 compressed) const
 {
     return inflated <= m_limits.maxPartSize && m_totalRead <= m_limits.maxTotalSize
-        && (inflated <= RatioFloor || inflated <= m_limits.maxCompressionRatio * qMax<qint64>(compressed, 1));
+        && (inflated <= RatioFloor || inflated <= m_limits.maxCompressionRatio * qMax<qint64>(compressed, 1))
+        && (m_totalRead <= TotalRatioFloor || m_totalRead <= m_limits.maxCompressionRatio * m_archiveSize);
 }
 
 bool ZipReader::stream(int index, const Sink& sink, QString* error)
@@ -177,25 +194,27 @@ bool ZipReader::inflateStreaming(int index, const struct zip_stat& st, const Sin
         return false;
     }
     std::unique_ptr<z_stream, int (*)(z_stream*)> end(&z, inflateEnd);
-    std::vector<char> input(StreamChunk);
-    std::vector<char> output(StreamChunk);
+    int inputSize = 0;
+    int outputSize = 0;
+    const auto input = chunkFor(qint64(st.comp_size), inputSize);
+    const auto output = chunkFor(qint64(st.size), outputSize);
     qint64 inflated = 0;
     quint32 crc = 0;
     int status = Z_OK;
     while (status != Z_STREAM_END) {
         if (z.avail_in == 0) {
-            const zip_int64_t n = zip_fread(file.get(), input.data(), input.size());
+            const zip_int64_t n = zip_fread(file.get(), input.get(), zip_uint64_t(inputSize));
             if (n <= 0)
                 break;   // the deflate stream ended early: damaged
-            z.next_in = reinterpret_cast<Bytef*>(input.data());
+            z.next_in = reinterpret_cast<Bytef*>(input.get());
             z.avail_in = uInt(n);
         }
-        z.next_out = reinterpret_cast<Bytef*>(output.data());
-        z.avail_out = uInt(output.size());
+        z.next_out = reinterpret_cast<Bytef*>(output.get());
+        z.avail_out = uInt(outputSize);
         status = inflate(&z, Z_NO_FLUSH);
         if (status != Z_OK && status != Z_STREAM_END)
             break;
-        const size_t n = output.size() - z.avail_out;
+        const size_t n = size_t(outputSize) - z.avail_out;
         inflated += qint64(n);
         m_totalRead += qint64(n);
         if (!withinLimits(inflated, qint64(st.comp_size))) {
@@ -203,8 +222,8 @@ bool ZipReader::inflateStreaming(int index, const struct zip_stat& st, const Sin
             return false;
         }
         // libdeflate's checksum is several times as fast as zlib's.
-        crc = libdeflate_crc32(crc, output.data(), n);
-        if (n > 0 && !sink(output.data(), int(n)))
+        crc = libdeflate_crc32(crc, output.get(), n);
+        if (n > 0 && !sink(output.get(), int(n)))
             return true;
     }
     if (status != Z_STREAM_END || crc != st.crc) {
@@ -217,10 +236,16 @@ bool ZipReader::inflateStreaming(int index, const struct zip_stat& st, const Sin
 bool ZipReader::readAll(int index, QByteArray* out, QString* error)
 {
     out->clear();
-    return stream(index, [out](const char* data, int size) {
-        out->append(data, size);
-        return true;
+    bool fits = true;
+    const bool complete = stream(index, [out, &fits](const char* data, int size) {
+        fits = out->size() + qint64(size) <= MaxWholePart;
+        if (fits)
+            out->append(data, size);
+        return fits;
     }, error);
+    if (!fits)
+        fail(error, QStringLiteral("entry %1 is too large to be kept").arg(m_names.at(index)));
+    return complete && fits;
 }
 
 } // namespace QXlsx::detail

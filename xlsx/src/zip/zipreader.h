@@ -53,6 +53,7 @@ private:
     QStringList m_names;
     QHash<QString, int> m_index;   // folded name -> entry
     qint64 m_totalRead = 0;
+    qint64 m_archiveSize = 0;
 };
 
 } // namespace QXlsx::detail
