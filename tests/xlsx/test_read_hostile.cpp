@@ -286,6 +286,24 @@ TEST(ReadHostile, GivesEverySheetANameOfItsOwnWhateverTheFileRepeats)
     EXPECT_EQ(folded.size(), read.size());
 }
 
+TEST(ReadHostile, KeepsNoMoreSheetsThanTheLimit)
+{
+    QList<QByteArray> names;
+    for (int k = 1; k <= 150; ++k)
+        names << "S" + QByteArray::number(k);
+    Parts parts = workbookParts(worksheet(R"(<row r="1"><c r="A1"><v>1</v></c></row>)"));
+    setPart(parts, "xl/workbook.xml", workbookOf(names));
+    QBuffer buffer;
+    buffer.setData(zipOf(parts));
+    buffer.open(QIODevice::ReadOnly);
+    detail::ReadLimits limits;
+    limits.maxSheets = 100;
+    detail::WorkbookData book;
+    ASSERT_TRUE(detail::readPackage(buffer, book, nullptr, limits));
+    ASSERT_EQ(book.sheets.size(), 100u);
+    EXPECT_EQ(book.sheets.back()->name, QStringLiteral("S100"));
+}
+
 TEST(ReadHostile, FollowsNoRelationshipThatLoopsOrLeavesThePackage)
 {
     const QByteArray cells = worksheet(R"(<row r="1"><c r="A1"><v>7</v></c></row>)");

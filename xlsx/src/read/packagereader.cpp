@@ -116,7 +116,8 @@ bool isCompoundDocument(const char* data, qint64 size)
 class PackageReader
 {
 public:
-    PackageReader(WorkbookData& book, const ReadLimits& limits) : m_book(book), m_zip(limits) {}
+    PackageReader(WorkbookData& book, const ReadLimits& limits)
+        : m_book(book), m_zip(limits), m_maxSheets(limits.maxSheets) {}
 
     bool read(const char* data, qint64 size, QString* error);
 
@@ -153,6 +154,7 @@ private:
     QString m_stylesPart;
     QString m_sharedStringsPart;
     SheetNames m_sheetNames;
+    int m_maxSheets;
 };
 
 bool PackageReader::read(const char* data, qint64 size, QString* error)
@@ -189,8 +191,13 @@ bool PackageReader::read(const char* data, qint64 size, QString* error)
     readWorkbookRelationships(m_workbookPart);
     readStyles();
     readSharedStrings();
-    for (const SheetEntry& entry : workbook.sheets)
+    for (const SheetEntry& entry : workbook.sheets) {
+        if (int(m_book.sheets.size()) >= m_maxSheets) {
+            note(QStringLiteral("the workbook lists more than %1 sheets").arg(m_maxSheets));
+            break;
+        }
         readSheet(entry);
+    }
     keepOtherParts();
 
     const int sheetCount = int(m_book.sheets.size());

@@ -19,6 +19,10 @@ struct ReadLimits
     // not stop anything; real sheets stay far below 100.
     qint64 maxCompressionRatio = 200;
     int maxParts = 100000;
+    // Sheets listed by the workbook; each costs about a kilobyte even when its part is
+    // missing, so a workbook part listing millions would take gigabytes. Later ones are
+    // left out.
+    int maxSheets = 65535;
 };
 
 // Reads a workbook package into book, which must be empty. On a device that holds no
