@@ -279,9 +279,18 @@ void PackageReader::readSheet(const SheetEntry& entry)
     const int index = partName.isEmpty() ? -1 : consume(partName);
     AbstractSheet::SheetType type = relationship ? sheetType(relationshipKind(relationship->type))
                                                  : AbstractSheet::ST_WorkSheet;
-    // A sheet whose part is missing keeps its name and place as an empty worksheet.
+    // A sheet whose part is missing keeps its name and place as an empty worksheet; so
+    // does a chart, dialog or macro sheet whose part cannot be read whole, which is kept
+    // as its bytes and would be saved again broken.
     if (index < 0) {
         note(QStringLiteral("the part of sheet %1 is missing").arg(entry.name));
+        type = AbstractSheet::ST_WorkSheet;
+    }
+    QByteArray rawPart;
+    QString problem;
+    if (type != AbstractSheet::ST_WorkSheet && !readPart(m_zip, index, &rawPart, &problem)) {
+        note(problem);
+        rawPart.clear();
         type = AbstractSheet::ST_WorkSheet;
     }
 
@@ -290,17 +299,13 @@ void PackageReader::readSheet(const SheetEntry& entry)
     sheet->sheetId = entry.sheetId;
     sheet->relationshipId = entry.relationshipId;
     sheet->partName = index >= 0 ? m_zip.entryName(index) : QString();
-    if (index < 0)
+    sheet->rawPart = std::move(rawPart);
+    if (index < 0 || type != AbstractSheet::ST_WorkSheet)
         return;
 
-    QString problem;
-    if (type == AbstractSheet::ST_WorkSheet) {
-        WorksheetReader reader(m_book, *sheet, CellIndexes{m_firstString, m_stringCount, &m_styles});
-        if (!scanPart(m_zip, index, reader, &problem))
-            note(problem);
-    } else if (!readPart(m_zip, index, &sheet->rawPart, &problem)) {
+    WorksheetReader reader(m_book, *sheet, CellIndexes{m_firstString, m_stringCount, &m_styles});
+    if (!scanPart(m_zip, index, reader, &problem))
         note(problem);
-    }
 }
 
 void PackageReader::keepOtherParts()
