@@ -4,7 +4,8 @@
 // (cells.py, libxlsxwriter_write.c), which spell the same rule: a title row, a header
 // row, then rows of ten text cells, words in the even columns ("Feature 12-4") and
 // numbers as text in the odd ones ("12.8660"). Every text differs from the others, so a
-// shared string table gains nothing from repeats.
+// shared string table gains nothing from repeats. Data rows beyond what one sheet holds
+// go on to a next sheet, which starts again with the title and header rows.
 
 #include <QString>
 
@@ -13,6 +14,7 @@ namespace bench {
 
 constexpr int kColumns = 10;
 constexpr int kFirstDataRow = 3;   // 1-based: below the title and the header
+constexpr int kDataRowsPerSheet = 1048576 - 2;
 
 inline QString titleText()
 {

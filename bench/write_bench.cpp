@@ -1,6 +1,7 @@
 // The write workload: a title row, a header row and cells / 10 rows of ten text cells,
 // every cell centred, vertically centred and thinly bordered, written one by one and
 // saved. The texts are made as the rows are written, as the peer programs make theirs.
+// Rows beyond a sheet's last row go on to a next sheet with its own title and header.
 //
 //     bench_write <cells> <output.xlsx>      (0 cells: title and header only, a baseline)
 
@@ -10,6 +11,7 @@
 #include "xlsxdocument.h"
 #include "xlsxformat.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -28,12 +30,18 @@ int main(int argc, char** argv)
     format.setVerticalAlignment(QXlsx::Format::AlignVCenter);
     format.setBorderStyle(QXlsx::Format::BorderThin);
 
-    document.write(1, 1, bench::titleText(), format);
-    for (int c = 0; c < bench::kColumns; ++c)
-        document.write(2, c + 1, bench::headerText(c), format);
-    for (int r = 0; r < rows; ++r) {
+    for (int first = 0; first == 0 || first < rows; first += bench::kDataRowsPerSheet) {
+        if (first > 0)
+            document.addSheet();
+        document.write(1, 1, bench::titleText(), format);
         for (int c = 0; c < bench::kColumns; ++c)
-            document.write(r + bench::kFirstDataRow, c + 1, bench::cellText(r, c), format);
+            document.write(2, c + 1, bench::headerText(c), format);
+        const int last = std::min(rows, first + bench::kDataRowsPerSheet);
+        for (int r = first; r < last; ++r) {
+            for (int c = 0; c < bench::kColumns; ++c)
+                document.write(r - first + bench::kFirstDataRow, c + 1, bench::cellText(r, c),
+                               format);
+        }
     }
     clock.report("write");
     if (!document.saveAs(path))

@@ -3,6 +3,7 @@
 COLUMNS = 10
 TITLE = "Benchmark cells"
 HEADERS = ["Column %d" % (c + 1) for c in range(COLUMNS)]
+DATA_ROWS_PER_SHEET = 1048576 - 2   # then a next sheet, again with title and header
 
 
 def cell_text(r, c):
@@ -11,7 +12,9 @@ def cell_text(r, c):
     return "%d.%04d" % (r, (r * 7 + c * 1237) % 10000)
 
 
-def data_rows(cells):
-    """Lists of the texts of each data row, cells // COLUMNS rows."""
-    for r in range(cells // COLUMNS):
-        yield [cell_text(r, c) for c in range(COLUMNS)]
+def sheets(cells):
+    """The data rows of each sheet: one sheet, or more when the rows exceed one."""
+    rows = cells // COLUMNS
+    for first in range(0, max(rows, 1), DATA_ROWS_PER_SHEET):
+        last = min(rows, first + DATA_ROWS_PER_SHEET)
+        yield ([cell_text(r, c) for c in range(COLUMNS)] for r in range(first, last))

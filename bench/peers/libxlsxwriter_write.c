@@ -4,7 +4,8 @@
  *     libxlsxwriter_write <cells> <output.xlsx> [constant]
  *
  * "constant" selects the constant-memory mode, which writes each row as the next one
- * starts and keeps its texts inline instead of in a shared string table. */
+ * starts and keeps its texts inline instead of in a shared string table. Rows beyond a
+ * sheet's last row go on to a next sheet with its own title and header. */
 
 #include <xlsxwriter.h>
 
@@ -13,6 +14,7 @@
 #include <string.h>
 
 #define COLUMNS 10
+#define DATA_ROWS_PER_SHEET (1048576 - 2)
 
 /* The decimal digits of value at out, at least minimum of them; returns the position
  * after them. By hand, as bench/benchcells.h does: printf would cost a fifth of the run. */
@@ -58,22 +60,27 @@ int main(int argc, char **argv)
     lxw_workbook *workbook = workbook_new_opt(argv[2], &options);
     if (!workbook)
         return fprintf(stderr, "cannot create %s\n", argv[2]), 1;
-    lxw_worksheet *sheet = workbook_add_worksheet(workbook, NULL);
     lxw_format *format = workbook_add_format(workbook);
     format_set_align(format, LXW_ALIGN_CENTER);
     format_set_align(format, LXW_ALIGN_VERTICAL_CENTER);
     format_set_border(format, LXW_BORDER_THIN);
 
-    worksheet_write_string(sheet, 0, 0, "Benchmark cells", format);
     char text[48];
-    for (int c = 0; c < COLUMNS; ++c) {
-        snprintf(text, sizeof text, "Column %d", c + 1);
-        worksheet_write_string(sheet, 1, (lxw_col_t)c, text, format);
-    }
-    for (long long r = 0; r < rows; ++r) {
+    for (long long first = 0; first == 0 || first < rows; first += DATA_ROWS_PER_SHEET) {
+        lxw_worksheet *sheet = workbook_add_worksheet(workbook, NULL);
+        worksheet_write_string(sheet, 0, 0, "Benchmark cells", format);
         for (int c = 0; c < COLUMNS; ++c) {
-            cell_text(text, r, c);
-            worksheet_write_string(sheet, (lxw_row_t)(r + 2), (lxw_col_t)c, text, format);
+            snprintf(text, sizeof text, "Column %d", c + 1);
+            worksheet_write_string(sheet, 1, (lxw_col_t)c, text, format);
+        }
+        const long long last = rows < first + DATA_ROWS_PER_SHEET ? rows
+                                                                  : first + DATA_ROWS_PER_SHEET;
+        for (long long r = first; r < last; ++r) {
+            for (int c = 0; c < COLUMNS; ++c) {
+                cell_text(text, r, c);
+                worksheet_write_string(sheet, (lxw_row_t)(r - first + 2), (lxw_col_t)c, text,
+                                       format);
+            }
         }
     }
     lxw_error error = workbook_close(workbook);

@@ -30,7 +30,7 @@ Command dumpCommand()
             return int(ExitFailure);
         }
         for (const QStringList& row : rows)
-            printLine(csvLine(row));
+            writeCsvLine(standardOutput(), row);
         return int(ExitSuccess);
     };
     return command;

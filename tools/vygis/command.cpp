@@ -14,12 +14,29 @@ const QList<Command>& commands()
     return all;
 }
 
+namespace {
+
+// A stream made per line would cost more than the line itself when a command prints a
+// sheet of millions of cells.
+struct Utf8Output : QTextStream {
+    Utf8Output() : QTextStream(stdout) { setCodec("UTF-8"); }
+};
+
+} // namespace
+
+QTextStream& standardOutput()
+{
+    static Utf8Output stream;
+    return stream;
+}
+
 void printError(const QString& text)
 {
+    standardOutput().flush();
     QTextStream(stderr) << text << '\n';
 }
 
 void printLine(const QString& text)
 {
-    QTextStream(stdout) << text << '\n';
+    standardOutput() << text << '\n';
 }

@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <QTextStream>
 
 #include <functional>
 
@@ -20,6 +21,9 @@ struct Command
 // The commands the tool offers, in the order the help lists them.
 const QList<Command>& commands();
 
+// Standard output as UTF-8 through one buffer for the whole run; flushed before a
+// message goes to standard error and when the tool ends.
+QTextStream& standardOutput();
 // Writes a line to standard error.
 void printError(const QString& text);
 // Writes a line to standard output.

@@ -7,15 +7,26 @@
 
 namespace {
 
-QString csvField(const QString& field)
+bool needsQuotes(const QString& field)
 {
-    const bool needsQuotes = field.contains(QLatin1Char(',')) || field.contains(QLatin1Char('"'))
-        || field.contains(QLatin1Char('\n')) || field.contains(QLatin1Char('\r'));
-    if (!needsQuotes)
-        return field;
+    for (const QChar c : field) {
+        if (c == QLatin1Char(',') || c == QLatin1Char('"') || c == QLatin1Char('\n')
+            || c == QLatin1Char('\r'))
+            return true;
+    }
+    return false;
+}
+
+QString quotedField(const QString& field)
+{
     QString quoted = field;
     quoted.replace(QLatin1Char('"'), QStringLiteral("\"\""));
     return QLatin1Char('"') + quoted + QLatin1Char('"');
+}
+
+QString csvField(const QString& field)
+{
+    return needsQuotes(field) ? quotedField(field) : field;
 }
 
 } // namespace
@@ -27,6 +38,19 @@ QString csvLine(const QStringList& fields)
     for (const QString& field : fields)
         quoted.append(csvField(field));
     return quoted.join(QLatin1Char(','));
+}
+
+void writeCsvLine(QTextStream& out, const QStringList& fields)
+{
+    for (int i = 0; i < fields.size(); ++i) {
+        if (i > 0)
+            out << ',';
+        if (needsQuotes(fields[i]))
+            out << quotedField(fields[i]);
+        else
+            out << fields[i];
+    }
+    out << '\n';
 }
 
 std::vector<QStringList> parseCsv(const QString& text)
@@ -96,7 +120,7 @@ bool writeCsvFile(const QString& path, const std::vector<QStringList>& rows)
     QTextStream out(&file);
     out.setCodec("UTF-8");
     for (const QStringList& row : rows)
-        out << csvLine(row) << '\n';
+        writeCsvLine(out, row);
     out.flush();
     return file.error() == QFile::NoError;
 }

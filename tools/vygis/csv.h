@@ -2,11 +2,14 @@
 
 #include <QString>
 #include <QStringList>
+#include <QTextStream>
 
 #include <vector>
 
 // One CSV line: fields quoted where they hold a comma, a quote or a line break.
 QString csvLine(const QStringList& fields);
+// Writes the CSV line of fields and its line end to out.
+void writeCsvLine(QTextStream& out, const QStringList& fields);
 
 // The records of a CSV text: fields split at commas, quoted fields may hold commas,
 // doubled quotes and line breaks. Line ends are "\n" or "\r\n"; a last empty line

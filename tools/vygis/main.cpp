@@ -61,5 +61,7 @@ int main(int argc, char** argv)
         printLine(command->usage);
         return ExitSuccess;
     }
-    return command->run(arguments);
+    const int status = command->run(arguments);
+    standardOutput().flush();
+    return status;
 }
