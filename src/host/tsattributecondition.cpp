@@ -1,4 +1,4 @@
-#include "tsattributecondition_p.h"
+#include "tsattributecondition.h"
 
 #include "tsqstring_p.h"
 #include "tstable.h"
@@ -83,10 +83,10 @@ bool TsAttributeCondition::Admits(const TsRow& row) const
 {
     TsVariant value;
     row.GetValue(m_field, value);
-    return admitsValue(value);
+    return AdmitsValue(value);
 }
 
-bool TsAttributeCondition::admitsValue(const TsVariant& value) const
+bool TsAttributeCondition::AdmitsValue(const TsVariant& value) const
 {
     const bool missing = value.IsEmpty() || value.IsNull();
     if (m_operator == IsNull || m_operator == IsNotNull)

@@ -1,6 +1,6 @@
 #include "tsmemoryrecords_p.h"
 
-#include "tsattributecondition_p.h"
+#include "tsattributecondition.h"
 
 namespace VyObjects {
 

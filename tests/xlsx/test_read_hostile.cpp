@@ -26,14 +26,6 @@ using namespace readtest;
 
 namespace {
 
-std::unique_ptr<Document> openBytes(const QByteArray& bytes)
-{
-    QBuffer buffer;
-    buffer.setData(bytes);
-    buffer.open(QIODevice::ReadOnly);
-    return std::make_unique<Document>(&buffer);
-}
-
 QByteArray saved(const Document& doc)
 {
     QBuffer buffer;

@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QBuffer>
 #include <QElapsedTimer>
 
 #include <memory>
@@ -15,14 +14,6 @@ using namespace QXlsx;
 using namespace readtest;
 
 namespace {
-
-std::unique_ptr<Document> openBytes(const QByteArray& bytes)
-{
-    QBuffer buffer;
-    buffer.setData(bytes);
-    buffer.open(QIODevice::ReadOnly);
-    return std::make_unique<Document>(&buffer);
-}
 
 // The empty workbook a document falls back to: one empty worksheet "Sheet1".
 void expectEmptyWorkbook(const Document& doc)

@@ -1,7 +1,8 @@
 #include "test_read_package.h"
 
-#include <QTemporaryDir>
+#include <QBuffer>
 #include <QFile>
+#include <QTemporaryDir>
 
 #include <zip.h>
 
@@ -121,6 +122,14 @@ QString fileOf(const QByteArray& bytes)
     file.open(QIODevice::WriteOnly);
     file.write(bytes);
     return path;
+}
+
+std::unique_ptr<QXlsx::Document> openBytes(const QByteArray& bytes)
+{
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    return std::make_unique<QXlsx::Document>(&buffer);
 }
 
 } // namespace readtest

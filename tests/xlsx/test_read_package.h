@@ -3,9 +3,12 @@
 // Packages made in memory for the reader's tests: a zip of named parts, and the parts
 // of a minimal workbook that a test changes one at a time.
 
+#include "xlsxdocument.h"
+
 #include <QByteArray>
 #include <QString>
 
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -29,5 +32,8 @@ QByteArray worksheet(const QByteArray& rows, const QByteArray& after = {});
 
 // The bytes written to a temporary file that lives until the end of the test run.
 QString fileOf(const QByteArray& bytes);
+
+// A document opened from the bytes in memory.
+std::unique_ptr<QXlsx::Document> openBytes(const QByteArray& bytes);
 
 } // namespace readtest

@@ -3,7 +3,9 @@
 
 // Internal to the GDAL provider.
 
+#include "tsattributecondition.h"
 #include "tsgdal.h"
+#include "tsqstring_p.h"
 
 #include <gdal_priv.h>
 #include <ogrsf_frmts.h>
@@ -24,16 +26,8 @@ namespace VyObjects {
 // GDAL speaks UTF-8 (file names included, also on Windows), the object
 // library UTF-16.
 inline QString qText(const char* utf8) { return QString::fromUtf8(utf8 ? utf8 : ""); }
-inline QString qText(const TsString& text)
-{
-    const std::u16string& utf16 = text.utf16();
-    return QString::fromUtf16(utf16.data(), static_cast<int>(utf16.size()));
-}
-inline TsString tsText(const QString& text)
-{
-    return TsString(std::u16string(reinterpret_cast<const char16_t*>(text.utf16()),
-                                   static_cast<std::size_t>(text.size())));
-}
+inline QString qText(const TsString& text) { return toQString(text); }
+inline TsString tsText(const QString& text) { return toTsString(text); }
 inline TsString tsText(const char* utf8) { return TsString(utf8 ? utf8 : ""); }
 
 // --- Errors -----------------------------------------------------------------
@@ -181,20 +175,11 @@ public:
     bool admits(const TsRow& row) const;
 
 private:
-    enum Operator { Equal, NotEqual, Less, LessOrEqual, Greater, GreaterOrEqual, IsNull, IsNotNull };
-
-    bool parse(const QString& clause);
     bool canTranslate(TsField::FieldType type, OGRFieldType ogrType, TextComparison texts) const;
     QByteArray translate(const QString& fieldName) const;
-    bool admitsValue(const TsVariant& value) const;
-    bool holds(int comparison) const;
 
-    Operator m_operator = Equal;
-    QString m_fieldName;
+    TsAttributeCondition m_condition;
     int m_fieldIndex = -1;
-    bool m_numeric = false;
-    double m_number = 0.0;
-    TsString m_text;
     bool m_hasCondition = false;   // compared here
     QByteArray m_ogrClause;
     TsQueryFilter::Predicate m_predicate;
