@@ -282,7 +282,7 @@ class Bench:
         soffice = shutil.which("soffice")
         if soffice:   # its first start makes a profile: not part of any timing
             self.peer(self.libreoffice_command(soffice, empty, self.path("lo-warm")))
-        small_times, skipped = {}, []
+        small_times, skipped, by_cell_runs = {}, [], {}
         for index, cells in enumerate(self.sizes):
             source = self.written.get(cells)
             if not source:
@@ -290,6 +290,7 @@ class Bench:
             t.add("-- %s cells (%s)" % (fmt_count(cells), fmt_mb(os.path.getsize(source))))
             data = self.ours("bench_read", "data", source)
             by_cell = self.ours("bench_read", "cells", source)
+            by_cell_runs[cells] = by_cell
             # getExcelData reads the active sheet; a workbook beyond one sheet's rows has more
             whole = data.ok and data.figures.get("cells", 0) >= cells
             t.run_row("getExcelData", data, cells if whole else None, baseline.peak,
@@ -330,6 +331,13 @@ class Bench:
                    "%s at %s, x10 > %d s" % ("%.0f s" % small if small else "failed",
                                              fmt_count(self.sizes[0]), self.projection_limit))
             t.add("  skipped at %s: %s (%s)" % (fmt_count(cells), name, why))
+        small, large = (by_cell_runs.get(n) for n in self.sizes)
+        if small and large and small.ok and large.ok:
+            factor = self.sizes[1] / self.sizes[0]
+            cpu, wall = large.cpu / small.cpu, large.wall / small.wall
+            t.add("scaling of cellAt %s/%s: %.2fx cpu (%.2fx wall), target <= %.0fx %s" % (
+                fmt_count(self.sizes[1]), fmt_count(self.sizes[0]), cpu, wall,
+                1.1 * factor, verdict(cpu, 1.1 * factor)))
 
     def libreoffice_command(self, soffice, source, out_dir):
         profile = "file://" + self.path("lo-profile")
