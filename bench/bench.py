@@ -253,12 +253,16 @@ class Bench:
                 fmt_count(cells), name,
                 "%.0f s" % small if small else "failed", fmt_count(self.sizes[0]),
                 self.projection_limit))
-        small, large = (ours_by_size.get(n) for n in self.sizes)
+        self.scaling_row("scaling", ours_by_size)
+
+    def scaling_row(self, label, runs):
+        """How much more the larger size cost than the smaller, against 1.1 x the sizes."""
+        small, large = (runs.get(n) for n in self.sizes)
         if small and large and small.ok and large.ok:
             factor = self.sizes[1] / self.sizes[0]
             cpu, wall = large.cpu / small.cpu, large.wall / small.wall
-            t.add("scaling %s/%s: %.2fx cpu (%.2fx wall), target <= %.0fx %s" % (
-                fmt_count(self.sizes[1]), fmt_count(self.sizes[0]), cpu, wall,
+            self.table.add("%s %s/%s: %.2fx cpu (%.2fx wall), target <= %.0fx %s" % (
+                label, fmt_count(self.sizes[1]), fmt_count(self.sizes[0]), cpu, wall,
                 1.1 * factor, verdict(cpu, 1.1 * factor)))
 
     def projected_ok(self, small_time):
@@ -331,13 +335,7 @@ class Bench:
                    "%s at %s, x10 > %d s" % ("%.0f s" % small if small else "failed",
                                              fmt_count(self.sizes[0]), self.projection_limit))
             t.add("  skipped at %s: %s (%s)" % (fmt_count(cells), name, why))
-        small, large = (by_cell_runs.get(n) for n in self.sizes)
-        if small and large and small.ok and large.ok:
-            factor = self.sizes[1] / self.sizes[0]
-            cpu, wall = large.cpu / small.cpu, large.wall / small.wall
-            t.add("scaling of cellAt %s/%s: %.2fx cpu (%.2fx wall), target <= %.0fx %s" % (
-                fmt_count(self.sizes[1]), fmt_count(self.sizes[0]), cpu, wall,
-                1.1 * factor, verdict(cpu, 1.1 * factor)))
+        self.scaling_row("scaling of cellAt", by_cell_runs)
 
     def libreoffice_command(self, soffice, source, out_dir):
         profile = "file://" + self.path("lo-profile")
