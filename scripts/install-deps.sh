@@ -6,6 +6,8 @@ set -euo pipefail
 packages=(
   build-essential cmake pkg-config
   qtbase5-dev zlib1g-dev libdeflate-dev libexpat1-dev libzip-dev
+  # Deflates saved workbooks; the engine falls back to zlib without it.
+  libisal-dev
   # libzip's CMake package checks that its command-line tools are there.
   zipcmp zipmerge ziptool
   googletest libgtest-dev

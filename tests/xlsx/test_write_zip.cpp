@@ -2,12 +2,16 @@
 
 #include "read/packagereader.h"
 #include "write/xmlsink.h"
+#include "zip/piecedeflater.h"
 #include "zip/zipreader.h"
 #include "zip/zipwriter.h"
 
 #include <gtest/gtest.h>
 
 #include <QBuffer>
+#include <QRandomGenerator>
+
+#include <zlib.h>
 
 using namespace QXlsx::detail;
 
@@ -41,7 +45,55 @@ QByteArray readEntry(ZipReader& zip, const QString& name)
     return data;
 }
 
+// Inflates a raw deflate stream, or gives an empty array when it is not one whole stream.
+QByteArray inflated(const QByteArray& stream)
+{
+    z_stream z {};
+    inflateInit2(&z, -MAX_WBITS);
+    z.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(stream.constData()));
+    z.avail_in = uInt(stream.size());
+    QByteArray out;
+    int rc = Z_OK;
+    while (rc == Z_OK) {
+        const int used = out.size();
+        out.resize(used + (1 << 20));
+        z.next_out = reinterpret_cast<Bytef*>(out.data() + used);
+        z.avail_out = 1 << 20;
+        rc = inflate(&z, Z_NO_FLUSH);
+        out.resize(out.size() - int(z.avail_out));
+    }
+    inflateEnd(&z);
+    return rc == Z_STREAM_END && z.avail_in == 0 ? out : QByteArray();
+}
+
 } // namespace
+
+// Pieces deflated apart, in any mix of texts, bytes that do not compress and nothing at
+// all, joined in order and closed by an empty final block, inflate to the pieces joined.
+TEST(PieceDeflater, PiecesJoinIntoOneStreamWithEitherLibrary)
+{
+    QByteArray noise(300000, 0);
+    QRandomGenerator random(7);
+    for (char& byte : noise)
+        byte = char(random.generate());
+    const QByteArray xml = QByteArray("<row r=\"1\"><c r=\"A1\" t=\"s\"><v>0</v></c></row>").repeated(20000);
+    const QByteArray pieces[] = {xml, noise, QByteArray(), xml.left(1), noise + xml};
+    for (const auto library : {PieceDeflater::Library::Fastest, PieceDeflater::Library::Zlib}) {
+        PieceDeflater deflater(library);
+        QByteArray stream;
+        QByteArray expected;
+        std::vector<char> out;
+        for (const QByteArray& piece : pieces) {
+            size_t size = 0;
+            ASSERT_TRUE(deflater.deflate(piece.constData(), size_t(piece.size()), out, &size));
+            stream.append(out.data(), int(size));
+            expected += piece;
+        }
+        stream.append("\x03\x00", 2);
+        EXPECT_EQ(inflated(stream), expected);
+        EXPECT_LT(stream.size(), expected.size() - xml.size());   // the XML did shrink
+    }
+}
 
 TEST(ZipWriter, EntriesReadBackByteForByte)
 {

@@ -1,9 +1,11 @@
 #include "zipwriter.h"
 
+#include "piecedeflater.h"
+
 #include <QIODevice>
 
 #include <libdeflate.h>
-#include <zlib.h>
+#include <zlib.h>   // crc32_combine
 
 #include <algorithm>
 #include <condition_variable>
@@ -78,9 +80,6 @@ struct ZipWriter::Piece
 
 struct ZipWriter::Compressors
 {
-    explicit Compressors(int deflateLevel) : level(deflateLevel) {}
-
-    int level;
     std::mutex mutex;
     std::condition_variable changed;
     std::deque<std::unique_ptr<Piece>> order;   // submitted, not yet written, in file order
@@ -97,8 +96,7 @@ struct ZipWriter::Compressors
 
     void run()
     {
-        z_stream z {};
-        const bool ok = deflateInit2(&z, level, Z_DEFLATED, -MAX_WBITS, 8, Z_DEFAULT_STRATEGY) == Z_OK;
+        PieceDeflater deflater;
         std::unique_lock<std::mutex> lock(mutex);
         for (;;) {
             changed.wait(lock, [&] { return stopping || !todo.empty(); });
@@ -107,17 +105,11 @@ struct ZipWriter::Compressors
             Piece* piece = todo.front();
             todo.pop_front();
             lock.unlock();
-            if (ok)
-                deflatePiece(z, *piece);
-            else
-                piece->failed = true;
+            deflatePiece(deflater, *piece);
             lock.lock();
             piece->ready = true;
             changed.notify_all();
         }
-        lock.unlock();
-        if (ok)
-            deflateEnd(&z);
     }
 
     std::unique_ptr<Piece> takeSpare()
@@ -144,36 +136,15 @@ struct ZipWriter::Compressors
 };
 
 // Deflates one piece into a raw deflate sequence of non-final blocks.
-void ZipWriter::deflatePiece(z_stream& z, Piece& piece)
+void ZipWriter::deflatePiece(PieceDeflater& deflater, Piece& piece)
 {
     piece.crc = quint32(libdeflate_crc32(0, piece.input.data(), piece.input.size()));
-    deflateReset(&z);
-    // The bound covers the data; the sync flush adds an empty stored block of 5 bytes.
-    const size_t bound = deflateBound(&z, uLong(piece.input.size())) + 16;
-    if (piece.output.size() < bound)
-        piece.output.resize(bound);
-    z.next_in = reinterpret_cast<Bytef*>(piece.input.data());
-    z.avail_in = uInt(piece.input.size());
-    z.next_out = reinterpret_cast<Bytef*>(piece.output.data());
-    z.avail_out = uInt(piece.output.size());
-    for (;;) {
-        const int rc = deflate(&z, Z_SYNC_FLUSH);
-        if (rc == Z_STREAM_ERROR) {
-            piece.failed = true;
-            return;
-        }
-        if (z.avail_in == 0 && z.avail_out != 0)
-            break;
-        const size_t used = piece.output.size() - z.avail_out;
-        piece.output.resize(piece.output.size() * 2);
-        z.next_out = reinterpret_cast<Bytef*>(piece.output.data() + used);
-        z.avail_out = uInt(piece.output.size() - used);
-    }
-    piece.outputSize = piece.output.size() - z.avail_out;
+    piece.failed = !deflater.deflate(piece.input.data(), piece.input.size(), piece.output,
+                                     &piece.outputSize);
 }
 
-ZipWriter::ZipWriter(QIODevice& device, int level)
-    : m_device(device), m_level(level), m_compressors(std::make_unique<Compressors>(level))
+ZipWriter::ZipWriter(QIODevice& device)
+    : m_device(device), m_compressors(std::make_unique<Compressors>())
 {
     setTimestamp(QDateTime::currentDateTime());
 }
@@ -261,13 +232,9 @@ void ZipWriter::submitPending()
     // deflated here: starting threads would cost more than it saves.
     Compressors& c = *m_compressors;
     if (c.threads.empty() && piece->input.size() < PieceSize) {
-        z_stream z {};
-        if (deflateInit2(&z, m_level, Z_DEFLATED, -MAX_WBITS, 8, Z_DEFAULT_STRATEGY) == Z_OK) {
-            deflatePiece(z, *piece);
-            deflateEnd(&z);
-        } else {
-            piece->failed = true;
-        }
+        if (!m_deflater)
+            m_deflater = std::make_unique<PieceDeflater>();
+        deflatePiece(*m_deflater, *piece);
         piece->ready = true;
         submit(std::move(piece));
         return;

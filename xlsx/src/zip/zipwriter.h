@@ -8,9 +8,10 @@
 #include <vector>
 
 class QIODevice;
-struct z_stream_s;
 
 namespace QXlsx::detail {
+
+class PieceDeflater;
 
 // Writes a zip archive front to back onto a device, one entry at a time, deflating as
 // the bytes arrive, so that no entry is ever held whole in memory.
@@ -31,11 +32,7 @@ namespace QXlsx::detail {
 class ZipWriter
 {
 public:
-    // level: the zlib deflate level. A low level is the default because the save is what
-    // users wait for. Measured on 2,000,000 text cells (136 MB of XML): levels 1 and 2
-    // cost the same time, level 2 gives a 5% smaller file (14.3 MB, about tenfold);
-    // level 3 takes half as long again.
-    explicit ZipWriter(QIODevice& device, int level = 2);
+    explicit ZipWriter(QIODevice& device);
     ~ZipWriter();
     ZipWriter(const ZipWriter&) = delete;
     ZipWriter& operator=(const ZipWriter&) = delete;
@@ -72,7 +69,7 @@ private:
     void submitPending();
     void emitReady(size_t keepAtMost);
     void writePiece(Piece& piece);
-    static void deflatePiece(z_stream_s& z, Piece& piece);
+    static void deflatePiece(PieceDeflater& deflater, Piece& piece);
     void beginEntryNow(const QByteArray& name);
     void endEntryNow();
     void finishNow();
@@ -82,8 +79,8 @@ private:
     QByteArray centralDirectoryRecord(const Entry& entry) const;
 
     QIODevice& m_device;
-    int m_level;
     std::unique_ptr<Compressors> m_compressors;
+    std::unique_ptr<PieceDeflater> m_deflater;   // for entries deflated on this thread
     std::vector<char> m_pending;     // bytes of the current entry not yet in a piece
     int m_entryCount = 0;
     std::vector<Entry> m_entries;
