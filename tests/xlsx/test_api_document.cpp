@@ -1,6 +1,5 @@
 #include "xlsxdocument.h"
 
-#include <QBuffer>
 #include <QDir>
 #include <QTemporaryDir>
 
@@ -91,24 +90,6 @@ TEST(DocumentSheets, RenameAndDelete)
     EXPECT_TRUE(doc.write(2, 2, 2));
     EXPECT_EQ(doc.sheetNames(), QStringList{QStringLiteral("Sheet1")});
     EXPECT_EQ(doc.cellAt(1, 1), nullptr);
-}
-
-TEST(DocumentOpen, AMissingFileOrBytesThatAreNoWorkbookGiveOneEmptySheet)
-{
-    QTemporaryDir dir;
-    Document missing(dir.filePath(QStringLiteral("missing.xlsx")));
-    EXPECT_EQ(missing.sheetNames(), QStringList{QStringLiteral("Sheet1")});
-    ASSERT_NE(missing.currentWorksheet(), nullptr);
-    EXPECT_FALSE(missing.dimension().isValid());
-    EXPECT_FALSE(missing.errorString().isEmpty());
-
-    QBuffer text, empty;
-    text.setData("this is not a zip archive");
-    for (QIODevice* device : std::initializer_list<QIODevice*>{&text, &empty, nullptr}) {
-        const Document doc(device);
-        EXPECT_EQ(doc.sheetNames(), QStringList{QStringLiteral("Sheet1")});
-        EXPECT_EQ(doc.cellAt(1, 1), nullptr);
-    }
 }
 
 TEST(DocumentSave, SaveWritesToTheOpenedPathAndFailsWithoutOne)

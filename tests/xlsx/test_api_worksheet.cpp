@@ -6,6 +6,8 @@
 
 #include <cmath>
 #include <limits>
+#include <tuple>
+#include <utility>
 
 using namespace QXlsx;
 
@@ -28,26 +30,18 @@ TEST(WorksheetValues, TextStaysTextWhateverItLooksLike)
 
 TEST(WorksheetValues, NumbersBooleansAndOtherTypesAndNonFiniteNumbersAsNumErrors)
 {
+    const std::pair<QVariant, QVariant> values[] = {
+        {42, 42.0}, {2.5, 2.5}, {qint64(1) << 40, double(qint64(1) << 40)}, {7u, 7.0}, {1.5f, 1.5}, {true, true},
+        {QByteArray("bytes"), QStringLiteral("bytes")}, {std::numeric_limits<double>::quiet_NaN(), QStringLiteral("#NUM!")},
+        {std::numeric_limits<double>::infinity(), QStringLiteral("#NUM!")}};
     Document doc;
-    doc.write(1, 1, 42);
-    doc.write(1, 2, 2.5);
-    doc.write(1, 3, qint64(1) << 40);
-    doc.write(1, 4, 7u);
-    doc.write(1, 5, 1.5f);
-    doc.write(1, 6, true);
-    doc.write(1, 7, QByteArray("bytes"));
-    doc.write(1, 8, std::numeric_limits<double>::quiet_NaN());
-    doc.write(1, 9, std::numeric_limits<double>::infinity());
-    EXPECT_EQ(doc.read(1, 1), QVariant(42.0));
-    EXPECT_EQ(doc.read(1, 2), QVariant(2.5));
-    EXPECT_EQ(doc.read(1, 3), QVariant(double(qint64(1) << 40)));
-    EXPECT_EQ(doc.read(1, 4), QVariant(7.0));
-    EXPECT_EQ(doc.read(1, 5), QVariant(1.5));
-    EXPECT_EQ(doc.cellAt(1, 6)->cellType(), Cell::BooleanType);
-    EXPECT_EQ(doc.read(1, 6), QVariant(true));
-    EXPECT_EQ(doc.read(1, 7), QVariant(QStringLiteral("bytes")));
-    EXPECT_EQ(doc.cellAt(1, 8)->cellType(), Cell::ErrorType);
-    EXPECT_EQ(doc.read(1, 9), QVariant(QStringLiteral("#NUM!")));
+    for (const auto& [written, read] : values) {
+        doc.write(1, 1, written);
+        EXPECT_EQ(doc.read(1, 1), read) << qPrintable(written.toString());
+    }
+    EXPECT_EQ(doc.cellAt(1, 1)->cellType(), Cell::ErrorType);
+    doc.write(1, 1, true);
+    EXPECT_EQ(doc.cellAt(1, 1)->cellType(), Cell::BooleanType);
 }
 
 TEST(WorksheetValues, NullVariantIsAFormattedBlankAndOverwritingReplacesValueAndFormat)
@@ -194,31 +188,25 @@ TEST(WorksheetSizes, RowHeightsAndColumnRangesThatSplitAndJoin)
 {
     Document doc;
     EXPECT_TRUE(doc.setRowHeight(3, 30.5));
-    EXPECT_EQ(doc.rowHeight(3), 30.5);
-    EXPECT_EQ(doc.rowHeight(4), 15.0);
     EXPECT_TRUE(doc.setRowHeight(5, 7, 20));
-    EXPECT_EQ(doc.rowHeight(6), 20.0);
-    EXPECT_TRUE(doc.setRowHeight(3, 0));
+    EXPECT_EQ((QList<double>{doc.rowHeight(3), doc.rowHeight(4), doc.rowHeight(6)}), (QList<double>{30.5, 15, 20}));
+    EXPECT_TRUE(doc.setRowHeight(3, 0));   // back to the default
     EXPECT_EQ(doc.rowHeight(3), 15.0);
-    EXPECT_FALSE(doc.setRowHeight(0, 10));
-    EXPECT_FALSE(doc.setRowHeight(1, -1));
-    EXPECT_FALSE(doc.setRowHeight(1, 500));
-    EXPECT_FALSE(doc.setRowHeight(1, std::nan("")));
+    for (const auto& [row, height] : {std::make_pair(0, 10.0), {1, -1.0}, {1, 500.0}, {1, std::nan("")}})
+        EXPECT_FALSE(doc.setRowHeight(row, height)) << row << " " << height;
 
-    ASSERT_TRUE(doc.setColumnWidth(1, 10, 12));
-    ASSERT_TRUE(doc.setColumnWidth(4, 6, 30));
-    EXPECT_EQ(doc.columnWidth(3), 12.0);
-    EXPECT_EQ(doc.columnWidth(4), 30.0);
-    EXPECT_EQ(doc.columnWidth(6), 30.0);
-    EXPECT_EQ(doc.columnWidth(7), 12.0);
-    EXPECT_EQ(doc.columnWidth(11), 8.43);
-    ASSERT_TRUE(doc.setColumnWidth(4, 6, 12));
-    ASSERT_TRUE(doc.setColumnWidth(12, 14, 5));
-    ASSERT_TRUE(doc.setColumnWidth(9, 13, 0));   // back to the default
-    EXPECT_EQ(doc.columnWidth(8), 12.0);
-    EXPECT_EQ(doc.columnWidth(9), 8.43);
-    EXPECT_EQ(doc.columnWidth(13), 8.43);
-    EXPECT_EQ(doc.columnWidth(14), 5.0);
+    for (const auto& [first, last, width] : {std::make_tuple(1, 10, 12.0), {4, 6, 30.0}})
+        ASSERT_TRUE(doc.setColumnWidth(first, last, width));
+    const auto widths = [&] {
+        QList<double> all;
+        for (int column = 3; column <= 14; ++column)
+            all << doc.columnWidth(column);
+        return all;
+    };
+    EXPECT_EQ(widths(), (QList<double>{12, 30, 30, 30, 12, 12, 12, 12, 8.43, 8.43, 8.43, 8.43}));
+    for (const auto& [first, last, width] : {std::make_tuple(4, 6, 12.0), {12, 14, 5.0}, {9, 13, 0.0}})
+        ASSERT_TRUE(doc.setColumnWidth(first, last, width));
+    EXPECT_EQ(widths(), (QList<double>{12, 12, 12, 12, 12, 12, 8.43, 8.43, 8.43, 8.43, 8.43, 5}));
     EXPECT_TRUE(doc.setColumnWidth(16384, 1));
     EXPECT_FALSE(doc.setColumnWidth(16385, 1));
     EXPECT_FALSE(doc.setColumnWidth(5, 4, 1));

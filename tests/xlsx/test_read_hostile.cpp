@@ -1,25 +1,18 @@
-// Packages made to hurt a reader: entries that share their compressed bytes, central
-// directories cut short, relationships that loop or leave the package, a name repeated
-// on thousands of sheets, and files of other formats under a workbook's name. Each opens
-// as an empty or partial workbook within a few seconds.
+// Damaged packages and packages made to hurt a reader: cut short, corrupted, inflating
+// like bombs, entries that share their compressed bytes, relationships that loop or leave
+// the package, a name repeated on thousands of sheets, files of other formats under a
+// workbook's name. Each opens as an empty or partial workbook, quickly, never a crash.
 
 #include "test_read_package.h"
-
-#include "model/workbookdata.h"
-#include "read/packagereader.h"
-#include "xlsxdocument.h"
 
 #include <gtest/gtest.h>
 
 #include <QBuffer>
 #include <QDir>
-#include <QFile>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QSet>
-
-#include <zlib.h>
-
-#include <memory>
+#include <QtEndian>
 
 using namespace QXlsx;
 using namespace readtest;
@@ -34,176 +27,126 @@ QByteArray saved(const Document& doc)
     return buffer.data();
 }
 
-void put16(QByteArray& out, quint32 value)
+// The empty workbook a document falls back to: one empty worksheet "Sheet1", and why.
+void expectEmptyWorkbook(const Document& doc, const char* what, bool givesReason = true)
 {
-    out += char(value & 0xff);
-    out += char((value >> 8) & 0xff);
+    SCOPED_TRACE(what);
+    EXPECT_EQ(doc.sheetNames(), QStringList{"Sheet1"});
+    ASSERT_NE(doc.currentWorksheet(), nullptr);
+    EXPECT_EQ(doc.cellAt(1, 1), nullptr);
+    EXPECT_FALSE(doc.dimension().isValid());
+    EXPECT_TRUE(!givesReason || !doc.errorString().isEmpty());
 }
-
-void put32(QByteArray& out, quint32 value)
-{
-    put16(out, value & 0xffff);
-    put16(out, value >> 16);
-}
-
-quint32 get32(const QByteArray& bytes, int at)
-{
-    return quint32(uchar(bytes[at])) | quint32(uchar(bytes[at + 1])) << 8
-         | quint32(uchar(bytes[at + 2])) << 16 | quint32(uchar(bytes[at + 3])) << 24;
-}
-
-// A zip written record by record, so that it can hold what no zip library writes: a
-// central directory in which many entries point at one local file.
-class RawZip
-{
-public:
-    // A local file whose bytes are stored (method 0) or a raw deflate stream (8).
-    quint32 addFile(const QByteArray& name, const QByteArray& bytes, quint16 method = 0,
-                    quint32 inflatedSize = 0)
-    {
-        File file{name, quint32(m_locals.size()), method, quint32(bytes.size()),
-                  method == 0 ? quint32(bytes.size()) : inflatedSize,
-                  quint32(crc32(0, reinterpret_cast<const Bytef*>(bytes.constData()), uInt(bytes.size())))};
-        header(m_locals, 0x04034b50, file, file.name, false);
-        m_locals += bytes;
-        m_files.push_back(file);
-        m_central.push_back(file);
-        return file.offset;
-    }
-    // One more directory entry for the local file of another entry.
-    void addAlias(const QByteArray& alias, const QByteArray& of)
-    {
-        for (File file : m_files) {
-            if (file.name == of) {
-                file.name = alias;
-                m_central.push_back(file);
-            }
-        }
-    }
-    QByteArray bytes() const
-    {
-        QByteArray directory;
-        for (const File& file : m_central)
-            header(directory, 0x02014b50, file, file.name, true);
-        QByteArray out = m_locals + directory;
-        put32(out, 0x06054b50);
-        put32(out, 0);
-        put16(out, quint32(m_central.size()));
-        put16(out, quint32(m_central.size()));
-        put32(out, quint32(directory.size()));
-        put32(out, quint32(m_locals.size()));
-        put16(out, 0);
-        return out;
-    }
-
-private:
-    struct File
-    {
-        QByteArray name;
-        quint32 offset;
-        quint16 method;
-        quint32 compressedSize;
-        quint32 size;
-        quint32 crc;
-    };
-    static void header(QByteArray& out, quint32 signature, const File& file, const QByteArray& name, bool central)
-    {
-        put32(out, signature);
-        if (central)
-            put16(out, 20);   // made by
-        put16(out, 20);       // needed to extract
-        put16(out, 0);        // flags
-        put16(out, file.method);
-        put32(out, 0);        // time and date
-        put32(out, file.crc);
-        put32(out, file.compressedSize);
-        put32(out, file.size);
-        put16(out, quint32(name.size()));
-        put16(out, 0);        // extra field
-        if (central) {
-            put16(out, 0);    // comment
-            put16(out, 0);    // disk
-            put16(out, 0);    // internal attributes
-            put32(out, 0);    // external attributes
-            put32(out, file.offset);
-        }
-        out += name;
-    }
-
-    QByteArray m_locals;
-    std::vector<File> m_files;
-    std::vector<File> m_central;
-};
-
-// Raw deflate blocks of text ending on a byte boundary and not final, so that copies
-// joined one after another are a valid stream of the text repeated.
-QByteArray deflateBlocks(const QByteArray& text)
-{
-    z_stream z{};
-    deflateInit2(&z, 9, Z_DEFLATED, -MAX_WBITS, 8, Z_DEFAULT_STRATEGY);
-    QByteArray out(int(deflateBound(&z, uLong(text.size()))) + 64, '\0');
-    z.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.constData()));
-    z.avail_in = uInt(text.size());
-    z.next_out = reinterpret_cast<Bytef*>(out.data());
-    z.avail_out = uInt(out.size());
-    deflate(&z, Z_FULL_FLUSH);
-    out.resize(int(z.total_out));
-    deflateEnd(&z);
-    return out;
-}
-
-const QByteArray EmptyFinalBlock("\x03\x00", 2);
-
-const QByteArray WorkbookNamespaces =
-    R"(xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main" )"
-    R"(xmlns:r="http://schemas.openxmlformats.org/officeDocument/2006/relationships")";
-
-QByteArray relationship(const QByteArray& id, const QByteArray& kind, const QByteArray& target)
-{
-    return R"(<Relationship Id=")" + id + R"(" Type="http://schemas.openxmlformats.org/officeDocument/2006/relationships/)"
-         + kind + R"(" Target=")" + target + R"("/>)";
-}
-
-QByteArray relationships(const QByteArray& items)
-{
-    return R"(<Relationships xmlns="http://schemas.openxmlformats.org/package/2006/relationships">)" + items
-         + "</Relationships>";
-}
-
-// A workbook of the sheets named, sheet k pointing at relationship "s<k>".
-QByteArray workbookOf(const QList<QByteArray>& names)
-{
-    QByteArray sheets;
-    for (int k = 0; k < names.size(); ++k)
-        sheets += R"(<sheet name=")" + names[k] + R"(" sheetId=")" + QByteArray::number(k + 1) + R"(" r:id="s)"
-                + QByteArray::number(k + 1) + R"("/>)";
-    return "<workbook " + WorkbookNamespaces + "><sheets>" + sheets + "</sheets></workbook>";
-}
-
-const QByteArray PackageToWorkbook = relationships(relationship("rId1", "officeDocument", "xl/workbook.xml"));
 
 } // namespace
+
+TEST(ReadMalformed, GivesOneEmptySheetAndAReasonForWhatIsNoWorkbook)
+{
+    expectEmptyWorkbook(Document(QStringLiteral("/nonexistent/folder/book.xlsx")), "missing file");
+    expectEmptyWorkbook(Document(static_cast<QIODevice*>(nullptr)), "no device");
+
+    const QByteArray good = zipOf(workbookParts(worksheet(numberRows(2000))));
+    const int end = good.size() - 22;   // the end record, without a comment
+    const int directory = int(qFromLittleEndian<quint32>(good.constData() + end + 16));
+    const QByteArray endRecord = good.mid(end);
+    QByteArray moreEntries = good;
+    moreEntries[end + 8] = char(moreEntries[end + 8] + 3);
+    moreEntries[end + 10] = char(moreEntries[end + 10] + 3);
+    QByteArray pastTheEnd = good;
+    pastTheEnd[end + 16 + 2] = char(0x7f);
+    Parts selfReferring = workbookParts(worksheet(numberRows(1)));
+    setPart(selfReferring, "_rels/.rels", relationships(relationship("rId1", "officeDocument", "/_rels/.rels")));
+
+    const std::pair<const char*, QByteArray> cases[] = {
+        {"nothing", QByteArray()},
+        {"text", "id,name\n1,Vilnius\n"},
+        {"noise", QByteArray(100000, '\xff')},
+        {"zip without a workbook", zipOf({{"readme.txt", "hello"}})},
+        {"first 10 bytes", good.left(10)},
+        {"first 100 bytes", good.left(100)},
+        {"first half", good.left(good.size() / 2)},
+        {"all but 10 bytes", good.left(good.size() - 10)},
+        {"central directory cut in half", good.left(directory + (end - directory) / 2) + endRecord},
+        {"no central directory", good.left(directory) + endRecord},
+        {"more entries than listed", moreEntries},
+        {"directory past the end", pastTheEnd},
+    };
+    for (const auto& [what, bytes] : cases)
+        expectEmptyWorkbook(*openBytes(bytes), what);
+    expectEmptyWorkbook(*openBytes(zipOf(selfReferring)), "package relationship to itself", false);
+}
+
+TEST(ReadMalformed, KeepsTheCellsBeforeBrokenXml)
+{
+    auto doc = openBytes(zipOf(workbookParts(worksheet(numberRows(3) + "<row r=\"4\"><c r=\"A4\"><v>4</c></row>"))));
+    EXPECT_EQ(doc->read(3, 1), QVariant(3.0));
+    EXPECT_TRUE(doc->read(4, 1).isNull());
+}
+
+TEST(ReadMalformed, SurvivesCorruptedBytesAnywhere)
+{
+    const QByteArray good = zipOf(workbookParts(worksheet(numberRows(500)),
+                                                R"(<sst xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main"><si><t>a</t></si></sst>)"));
+    QElapsedTimer timer;
+    timer.start();
+    for (int step = 0; step < 64; ++step) {
+        QByteArray bytes = good;
+        const int at = int((quint64(step) * 2654435761u) % quint64(bytes.size()));
+        for (int i = at; i < qMin(bytes.size(), at + 16); ++i)
+            bytes[i] = char(bytes[i] ^ (0x11 * (i % 7 + 1)));
+        EXPECT_FALSE(openBytes(bytes)->sheetNames().isEmpty());
+    }
+    EXPECT_LT(timer.elapsed(), 10000 * VYGIS_TIME_SCALE);
+}
+
+TEST(ReadMalformed, StopsASheetThatInflatesLikeABomb)
+{
+    // A zip of a few dozen KiB that would inflate to 32 MiB of empty rows.
+    const QByteArray bytes = zipOf(workbookParts(worksheet(numberRows(2) + QByteArray("<row/>").repeated((32 << 20) / 6))));
+    ASSERT_LT(bytes.size(), 256 << 10);
+    QElapsedTimer timer;
+    timer.start();
+    auto doc = openBytes(bytes);
+    EXPECT_LT(timer.elapsed(), 1000 * VYGIS_TIME_SCALE);
+    EXPECT_EQ(doc->read(2, 1), QVariant(2.0));
+}
+
+TEST(ReadMalformed, RefusesEntityExpansionInAnyPart)
+{
+    QByteArray laughs = R"(<?xml version="1.0"?><!DOCTYPE sst [<!ENTITY a "aaaaaaaaaaaaaaaa">)";
+    for (char c = 'b'; c <= 'p'; ++c)
+        laughs += QByteArray("<!ENTITY ") + c + " \"" + ("&" + QByteArray(1, char(c - 1)) + ";").repeated(16) + "\">";
+    laughs += R"(]><sst xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main"><si><t>&p;</t></si></sst>)";
+    QElapsedTimer timer;
+    timer.start();
+    auto doc = openBytes(zipOf(workbookParts(worksheet(R"(<row r="1"><c r="A1" t="s"><v>0</v></c><c r="B1"><v>1</v></c></row>)"), laughs)));
+    EXPECT_LT(timer.elapsed(), 2000 * VYGIS_TIME_SCALE);
+    EXPECT_TRUE(doc->read(1, 1).isNull());
+    EXPECT_EQ(doc->read(1, 2), QVariant(1.0));
+}
 
 TEST(ReadHostile, StopsEntriesThatShareOneStreamInflatingToGigabytes)
 {
     // 256 copies of a block of 1 MiB of empty rows: about 256 KiB that inflate to
     // 256 MiB, listed as the part of each of 100 sheets, 25 GiB in all.
-    const QByteArray stream = deflateBlocks(R"(<worksheet )" + WorkbookNamespaces + "><sheetData>")
-                            + deflateBlocks(QByteArray("<row/>").repeated(174762)).repeated(256) + EmptyFinalBlock;
+    const QByteArray stream = rawDeflate(worksheet({}).left(worksheet({}).indexOf("</sheetData>")), true)
+                            + rawDeflate(QByteArray("<row/>").repeated(174762), true).repeated(256)
+                            + QByteArray("\x03\x00", 2);   // an empty final block
     QList<QByteArray> names;
     QByteArray sheetRelationships;
-    for (int k = 1; k <= 100; ++k) {
-        names << "S" + QByteArray::number(k);
-        sheetRelationships += relationship("s" + QByteArray::number(k), "worksheet",
-                                           "worksheets/sheet" + QByteArray::number(k) + ".xml");
-    }
     RawZip zip;
-    zip.addFile("_rels/.rels", PackageToWorkbook);
-    zip.addFile("xl/workbook.xml", workbookOf(names));
-    zip.addFile("xl/_rels/workbook.xml.rels", relationships(sheetRelationships));
-    zip.addFile("xl/worksheets/sheet1.xml", stream, 8, quint32(256) << 20);
-    for (int k = 2; k <= 100; ++k)
-        zip.addAlias("xl/worksheets/sheet" + QByteArray::number(k) + ".xml", "xl/worksheets/sheet1.xml");
+    for (int k = 1; k <= 100; ++k) {
+        const QByteArray n = QByteArray::number(k);
+        names << "S" + n;
+        sheetRelationships += relationship("s" + n, "worksheet", "worksheets/sheet" + n + ".xml");
+        if (k == 1)
+            zip.addStream("xl/worksheets/sheet1.xml", stream, quint32(256) << 20);
+        else
+            zip.addAlias("xl/worksheets/sheet" + n + ".xml", "xl/worksheets/sheet1.xml");
+    }
+    zip.add("_rels/.rels", relationships(relationship("rId1", "officeDocument", "xl/workbook.xml")));
+    zip.add("xl/workbook.xml", workbookOf(names));
+    zip.add("xl/_rels/workbook.xml.rels", relationships(sheetRelationships));
     const QByteArray bytes = zip.bytes();
     ASSERT_LT(bytes.size(), 512 << 10);
 
@@ -213,29 +156,6 @@ TEST(ReadHostile, StopsEntriesThatShareOneStreamInflatingToGigabytes)
     EXPECT_LT(timer.elapsed(), 20000 * VYGIS_TIME_SCALE);
     EXPECT_EQ(doc->sheetNames().size(), 100);
     EXPECT_FALSE(doc->dimension().isValid());
-}
-
-TEST(ReadHostile, GivesAnEmptyWorkbookForACentralDirectoryCutShort)
-{
-    const QByteArray good = zipOf(workbookParts(worksheet(R"(<row r="1"><c r="A1"><v>1</v></c></row>)")));
-    const int end = good.size() - 22;   // the end record, without a comment
-    const int directory = int(get32(good, end + 16));
-    const QByteArray endRecord = good.mid(end);
-
-    QByteArray cutRecord = good.left(directory + (end - directory) / 2) + endRecord;
-    QByteArray moreEntries = good;
-    moreEntries[end + 8] = char(moreEntries[end + 8] + 3);
-    moreEntries[end + 10] = char(moreEntries[end + 10] + 3);
-    QByteArray pastTheEnd = good;
-    pastTheEnd[end + 16 + 2] = char(0x7f);
-    QByteArray noDirectory = good.left(directory) + endRecord;
-
-    for (const QByteArray& bytes : {cutRecord, moreEntries, pastTheEnd, noDirectory}) {
-        auto doc = openBytes(bytes);
-        EXPECT_EQ(doc->sheetNames(), QStringList{"Sheet1"});
-        EXPECT_FALSE(doc->dimension().isValid());
-        EXPECT_FALSE(doc->errorString().isEmpty());
-    }
 }
 
 TEST(ReadHostile, NamesTheFormatOfACompoundDocumentOrAnOpenDocumentFile)
@@ -250,9 +170,9 @@ TEST(ReadHostile, NamesTheFormatOfACompoundDocumentOrAnOpenDocumentFile)
     EXPECT_TRUE(encrypted->errorString().contains("encrypted"));
 
     RawZip ods;
-    ods.addFile("mimetype", "application/vnd.oasis.opendocument.spreadsheet");
-    ods.addFile("content.xml", R"(<office:document-content xmlns:office="urn:oasis:names:tc:opendocument:xmlns:office:1.0"/>)");
-    ods.addFile("META-INF/manifest.xml", "<manifest/>");
+    ods.add("mimetype", "application/vnd.oasis.opendocument.spreadsheet", false);
+    ods.add("content.xml", R"(<office:document-content xmlns:office="urn:oasis:names:tc:opendocument:xmlns:office:1.0"/>)");
+    ods.add("META-INF/manifest.xml", "<manifest/>");
     auto openDocument = openBytes(ods.bytes());
     EXPECT_EQ(openDocument->sheetNames(), QStringList{"Sheet1"});
     EXPECT_TRUE(openDocument->errorString().contains("OpenDocument"));
@@ -283,58 +203,46 @@ TEST(ReadHostile, KeepsNoMoreSheetsThanTheLimit)
     QList<QByteArray> names;
     for (int k = 1; k <= 150; ++k)
         names << "S" + QByteArray::number(k);
-    Parts parts = workbookParts(worksheet(R"(<row r="1"><c r="A1"><v>1</v></c></row>)"));
+    Parts parts = workbookParts(worksheet(numberRows(1)));
     setPart(parts, "xl/workbook.xml", workbookOf(names));
-    QBuffer buffer;
-    buffer.setData(zipOf(parts));
-    buffer.open(QIODevice::ReadOnly);
     detail::ReadLimits limits;
     limits.maxSheets = 100;
     detail::WorkbookData book;
-    ASSERT_TRUE(detail::readPackage(buffer, book, nullptr, limits));
+    ASSERT_TRUE(readModel(zipOf(parts), book, limits));
     ASSERT_EQ(book.sheets.size(), 100u);
     EXPECT_EQ(book.sheets.back()->name, QStringLiteral("S100"));
 }
 
 TEST(ReadHostile, FollowsNoRelationshipThatLoopsOrLeavesThePackage)
 {
-    const QByteArray cells = worksheet(R"(<row r="1"><c r="A1"><v>7</v></c></row>)");
-    Parts parts = workbookParts(cells);
-    setPart(parts, "xl/workbook.xml", workbookOf({"Self", "OwnRelationships", "Shared", "SharedAgain", "Etc",
-                                                  "Drive", "Share", "Url", "Root"}));
-    setPart(parts, "xl/_rels/workbook.xml.rels", relationships(
-        relationship("s1", "worksheet", "workbook.xml") + relationship("s2", "worksheet", "_rels/workbook.xml.rels")
-        + relationship("s3", "worksheet", "worksheets/sheet1.xml") + relationship("s4", "worksheet", "/xl/worksheets/sheet1.xml")
-        + relationship("s5", "worksheet", "/etc/passwd") + relationship("s6", "worksheet", R"(C:\Windows\win.ini)")
-        + relationship("s7", "worksheet", R"(\\server\share\sheet.xml)") + relationship("s8", "worksheet", "file:///etc/passwd")
-        + relationship("s9", "worksheet", "/../../../etc/passwd")
-        + relationship("r1", "styles", "workbook.xml") + relationship("r2", "sharedStrings", "worksheets/sheet1.xml")));
+    const QList<QByteArray> names = {"Self", "OwnRelationships", "Shared", "SharedAgain", "Etc",
+                                     "Drive", "Share", "Url", "Root", "Up"};
+    const QByteArray targets[] = {"workbook.xml", "_rels/workbook.xml.rels", "worksheets/sheet1.xml",
+                                  "/xl/worksheets/sheet1.xml", "/etc/passwd", R"(C:\Windows\win.ini)",
+                                  R"(\\server\share\sheet.xml)", "file:///etc/passwd", "/../../../etc/passwd",
+                                  "../../../../etc/passwd"};
+    QByteArray items = relationship("r1", "styles", "workbook.xml") + relationship("r2", "sharedStrings", "worksheets/sheet1.xml");
+    for (int k = 0; k < names.size(); ++k)
+        items += relationship("s" + QByteArray::number(k + 1), "worksheet", targets[k]);
+    Parts parts = workbookParts(worksheet(numberRows(1)));
+    setPart(parts, "xl/workbook.xml", workbookOf(names));
+    setPart(parts, "xl/_rels/workbook.xml.rels", relationships(items));
     QElapsedTimer timer;
     timer.start();
     auto doc = openBytes(zipOf(parts));
     EXPECT_LT(timer.elapsed(), 5000 * VYGIS_TIME_SCALE);
-    const QStringList names = doc->sheetNames();
-    ASSERT_EQ(names.size(), 9);
-    for (const QString& name : names) {
+    const QStringList read = doc->sheetNames();
+    ASSERT_EQ(read.size(), names.size());
+    for (const QString& name : read) {
         ASSERT_TRUE(doc->selectSheet(name));
-        const bool shared = name.startsWith("Shared");
-        EXPECT_EQ(doc->read(1, 1), shared ? QVariant(7.0) : QVariant()) << name.toStdString();
+        EXPECT_EQ(doc->read(1, 1), name.startsWith("Shared") ? QVariant(1.0) : QVariant()) << name.toStdString();
     }
 
     // What was read saves and reads back the same, each sheet in a part of its own.
     auto again = openBytes(saved(*doc));
-    EXPECT_EQ(again->sheetNames(), names);
+    EXPECT_EQ(again->sheetNames(), read);
     ASSERT_TRUE(again->selectSheet("SharedAgain"));
-    EXPECT_EQ(again->read(1, 1), QVariant(7.0));
-}
-
-TEST(ReadHostile, ReadsNoWorkbookThroughAPackageRelationshipToItself)
-{
-    Parts parts = workbookParts(worksheet(R"(<row r="1"><c r="A1"><v>1</v></c></row>)"));
-    setPart(parts, "_rels/.rels", relationships(relationship("rId1", "officeDocument", "/_rels/.rels")));
-    auto doc = openBytes(zipOf(parts));
-    EXPECT_EQ(doc->sheetNames(), QStringList{"Sheet1"});
-    EXPECT_FALSE(doc->dimension().isValid());
+    EXPECT_EQ(again->read(1, 1), QVariant(1.0));
 }
 
 // Inputs on which the fuzz targets once failed, read as the targets read them, saved and
@@ -349,11 +257,8 @@ TEST(ReadHostile, EveryInputThatFuzzingOnceBrokeOpensReadsAndSaves)
         QFile file(inputs.filePath(name));
         ASSERT_TRUE(file.open(QIODevice::ReadOnly));
         const QByteArray bytes = file.readAll();
-        QBuffer buffer;
-        buffer.setData(bytes);
-        buffer.open(QIODevice::ReadOnly);
         detail::WorkbookData book;
-        detail::readPackage(buffer, book, nullptr);
+        readModel(bytes, book);
 
         auto doc = openBytes(bytes);
         for (const QString& sheet : doc->sheetNames()) {

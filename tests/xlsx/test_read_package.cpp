@@ -4,113 +4,189 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include <zip.h>
+#include <zlib.h>
 
-#include <cstdlib>
-#include <cstring>
+#include <algorithm>
 
 namespace readtest {
 
-QByteArray zipOf(const Parts& parts)
-{
-    zip_error_t error;
-    zip_error_init(&error);
-    zip_source_t* buffer = zip_source_buffer_create(nullptr, 0, 0, &error);
-    zip_source_keep(buffer);
-    zip_t* archive = zip_open_from_source(buffer, ZIP_TRUNCATE, &error);
-    for (const auto& [name, data] : parts) {
-        // libzip reads the bytes when the archive closes; the copy is freed by libzip.
-        auto* copy = static_cast<char*>(std::malloc(size_t(std::max(1, int(data.size())))));
-        std::memcpy(copy, data.constData(), size_t(data.size()));
-        zip_source_t* source = zip_source_buffer(archive, copy, zip_uint64_t(data.size()), 1);
-        zip_file_add(archive, name.toUtf8().constData(), source, ZIP_FL_ENC_UTF_8);
-    }
-    zip_close(archive);
-
-    QByteArray bytes;
-    zip_source_open(buffer);
-    zip_source_seek(buffer, 0, SEEK_END);
-    bytes.resize(int(zip_source_tell(buffer)));
-    zip_source_seek(buffer, 0, SEEK_SET);
-    zip_source_read(buffer, bytes.data(), zip_uint64_t(bytes.size()));
-    zip_source_close(buffer);
-    zip_source_free(buffer);
-    zip_error_fini(&error);
-    return bytes;
-}
-
 namespace {
 
-const char* const ContentTypes =
-    R"(<?xml version="1.0" encoding="UTF-8" standalone="yes"?>)"
-    R"(<Types xmlns="http://schemas.openxmlformats.org/package/2006/content-types">)"
-    R"(<Default Extension="rels" ContentType="application/vnd.openxmlformats-package.relationships+xml"/>)"
-    R"(<Default Extension="xml" ContentType="application/xml"/>)"
-    R"(<Override PartName="/xl/workbook.xml" ContentType="application/vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml"/>)"
-    R"(<Override PartName="/xl/worksheets/sheet1.xml" ContentType="application/vnd.openxmlformats-officedocument.spreadsheetml.worksheet+xml"/>)"
-    R"(</Types>)";
-
-const char* const PackageRelationships =
-    R"(<?xml version="1.0" encoding="UTF-8" standalone="yes"?>)"
-    R"(<Relationships xmlns="http://schemas.openxmlformats.org/package/2006/relationships">)"
-    R"(<Relationship Id="rId1" Type="http://schemas.openxmlformats.org/officeDocument/2006/relationships/officeDocument" Target="xl/workbook.xml"/>)"
-    R"(</Relationships>)";
-
-const char* const Workbook =
-    R"(<?xml version="1.0" encoding="UTF-8" standalone="yes"?>)"
-    R"(<workbook xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main" )"
-    R"(xmlns:r="http://schemas.openxmlformats.org/officeDocument/2006/relationships">)"
-    R"(<sheets><sheet name="Data" sheetId="1" r:id="rId1"/></sheets></workbook>)";
-
-QByteArray workbookRelationships(bool strings, bool styles)
+void put(QByteArray& out, quint32 value, int bytes)
 {
-    QByteArray xml =
-        R"(<?xml version="1.0" encoding="UTF-8" standalone="yes"?>)"
-        R"(<Relationships xmlns="http://schemas.openxmlformats.org/package/2006/relationships">)"
-        R"(<Relationship Id="rId1" Type="http://schemas.openxmlformats.org/officeDocument/2006/relationships/worksheet" Target="worksheets/sheet1.xml"/>)";
-    if (strings)
-        xml += R"(<Relationship Id="rId2" Type="http://schemas.openxmlformats.org/officeDocument/2006/relationships/sharedStrings" Target="sharedStrings.xml"/>)";
-    if (styles)
-        xml += R"(<Relationship Id="rId3" Type="http://schemas.openxmlformats.org/officeDocument/2006/relationships/styles" Target="styles.xml"/>)";
-    return xml + "</Relationships>";
+    for (int i = 0; i < bytes; ++i)
+        out += char((value >> (8 * i)) & 0xff);
+}
+
+const Bytef* data(const QByteArray& bytes)
+{
+    return reinterpret_cast<const Bytef*>(bytes.constData());
 }
 
 } // namespace
 
+void RawZip::add(const QString& name, const QByteArray& bytes, bool deflated)
+{
+    append({name.toUtf8(), 0, deflated ? 8u : 0u, 0, quint32(bytes.size()),
+            quint32(crc32(0, data(bytes), uInt(bytes.size())))},
+           deflated ? rawDeflate(bytes) : bytes);
+}
+
+void RawZip::addStream(const QString& name, const QByteArray& stream, quint32 size)
+{
+    append({name.toUtf8(), 0, 8, 0, size, 0}, stream);
+}
+
+void RawZip::addAlias(const QString& alias, const QString& of)
+{
+    const auto local = std::find_if(m_central.begin(), m_central.end(),
+                                    [&](const Entry& entry) { return entry.name == of.toUtf8(); });
+    Entry entry = *local;
+    entry.name = alias.toUtf8();
+    m_central.push_back(entry);
+}
+
+void RawZip::append(Entry entry, const QByteArray& data)
+{
+    entry.offset = quint32(m_locals.size());
+    entry.compressedSize = quint32(data.size());
+    m_locals += header(0x04034b50, entry, false) + data;
+    m_central.push_back(entry);
+}
+
+QByteArray RawZip::header(quint32 signature, const Entry& entry, bool central)
+{
+    QByteArray out;
+    put(out, signature, 4);
+    if (central)
+        put(out, 20, 2);   // made by
+    for (quint32 value : {20u, 0u, entry.method})   // needed to extract, flags
+        put(out, value, 2);
+    for (quint32 value : {0u, entry.crc, entry.compressedSize, entry.size})   // time and date first
+        put(out, value, 4);
+    put(out, quint32(entry.name.size()), 2);
+    put(out, 0, 2);   // extra field
+    if (central) {
+        out += QByteArray(10, '\0');   // comment, disk, internal and external attributes
+        put(out, entry.offset, 4);
+    }
+    return out + entry.name;
+}
+
+QByteArray RawZip::bytes() const
+{
+    QByteArray directory;
+    for (const Entry& entry : m_central)
+        directory += header(0x02014b50, entry, true);
+    QByteArray out = m_locals + directory;
+    put(out, 0x06054b50, 4);
+    put(out, 0, 4);   // disks
+    put(out, quint32(m_central.size()), 2);
+    put(out, quint32(m_central.size()), 2);
+    put(out, quint32(directory.size()), 4);
+    put(out, quint32(m_locals.size()), 4);
+    put(out, 0, 2);   // comment
+    return out;
+}
+
+QByteArray rawDeflate(const QByteArray& bytes, bool fullFlush)
+{
+    z_stream z{};
+    deflateInit2(&z, 9, Z_DEFLATED, -MAX_WBITS, 8, Z_DEFAULT_STRATEGY);
+    QByteArray out(int(deflateBound(&z, uLong(bytes.size()))) + 64, '\0');
+    z.next_in = const_cast<Bytef*>(data(bytes));
+    z.avail_in = uInt(bytes.size());
+    z.next_out = reinterpret_cast<Bytef*>(out.data());
+    z.avail_out = uInt(out.size());
+    deflate(&z, fullFlush ? Z_FULL_FLUSH : Z_FINISH);
+    out.resize(int(z.total_out));
+    deflateEnd(&z);
+    return out;
+}
+
+QByteArray zipOf(const Parts& parts)
+{
+    RawZip zip;
+    for (const auto& [name, bytes] : parts)
+        zip.add(name, bytes);
+    return zip.bytes();
+}
+
+QByteArray relationship(const QByteArray& id, const QByteArray& kind, const QByteArray& target)
+{
+    return R"(<Relationship Id=")" + id + R"(" Type="http://schemas.openxmlformats.org/officeDocument/2006/relationships/)"
+         + kind + R"(" Target=")" + target + R"("/>)";
+}
+
+QByteArray relationships(const QByteArray& items)
+{
+    return R"(<?xml version="1.0" encoding="UTF-8" standalone="yes"?>)"
+           R"(<Relationships xmlns="http://schemas.openxmlformats.org/package/2006/relationships">)" + items
+         + "</Relationships>";
+}
+
+namespace {
+
+const QByteArray Namespaces =
+    R"(xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main" )"
+    R"(xmlns:r="http://schemas.openxmlformats.org/officeDocument/2006/relationships")";
+
+} // namespace
+
+QByteArray workbookOf(const QList<QByteArray>& names, const QByteArray& before, const QByteArray& after)
+{
+    QByteArray sheets;
+    for (int k = 0; k < names.size(); ++k)
+        sheets += R"(<sheet name=")" + names[k] + R"(" sheetId=")" + QByteArray::number(k + 1) + R"(" r:id="s)"
+                + QByteArray::number(k + 1) + R"("/>)";
+    return "<workbook " + Namespaces + ">" + before + "<sheets>" + sheets + "</sheets>" + after + "</workbook>";
+}
+
 Parts workbookParts(const QByteArray& sheetXml, const QByteArray& sharedStringsXml, const QByteArray& stylesXml)
 {
+    QByteArray workbookItems = relationship("s1", "worksheet", "worksheets/sheet1.xml");
+    if (!sharedStringsXml.isEmpty())
+        workbookItems += relationship("rS", "sharedStrings", "sharedStrings.xml");
+    if (!stylesXml.isEmpty())
+        workbookItems += relationship("rT", "styles", "styles.xml");
     Parts parts = {
-        {QStringLiteral("[Content_Types].xml"), ContentTypes},
-        {QStringLiteral("_rels/.rels"), PackageRelationships},
-        {QStringLiteral("xl/workbook.xml"), Workbook},
-        {QStringLiteral("xl/_rels/workbook.xml.rels"),
-         workbookRelationships(!sharedStringsXml.isEmpty(), !stylesXml.isEmpty())},
-        {QStringLiteral("xl/worksheets/sheet1.xml"), sheetXml},
+        {"[Content_Types].xml",
+         R"(<Types xmlns="http://schemas.openxmlformats.org/package/2006/content-types">)"
+         R"(<Default Extension="xml" ContentType="application/xml"/></Types>)"},
+        {"_rels/.rels", relationships(relationship("rId1", "officeDocument", "xl/workbook.xml"))},
+        {"xl/workbook.xml", workbookOf({"Data"})},
+        {"xl/_rels/workbook.xml.rels", relationships(workbookItems)},
+        {"xl/worksheets/sheet1.xml", sheetXml},
     };
     if (!sharedStringsXml.isEmpty())
-        parts.emplace_back(QStringLiteral("xl/sharedStrings.xml"), sharedStringsXml);
+        parts.emplace_back("xl/sharedStrings.xml", sharedStringsXml);
     if (!stylesXml.isEmpty())
-        parts.emplace_back(QStringLiteral("xl/styles.xml"), stylesXml);
+        parts.emplace_back("xl/styles.xml", stylesXml);
     return parts;
 }
 
 void setPart(Parts& parts, const QString& name, const QByteArray& data)
 {
-    for (auto& part : parts) {
-        if (part.first == name) {
-            part.second = data;
-            return;
-        }
-    }
-    parts.emplace_back(name, data);
+    const auto part = std::find_if(parts.begin(), parts.end(), [&](const auto& p) { return p.first == name; });
+    if (part != parts.end())
+        part->second = data;
+    else
+        parts.emplace_back(name, data);
 }
 
 QByteArray worksheet(const QByteArray& rows, const QByteArray& after)
 {
-    return R"(<?xml version="1.0" encoding="UTF-8" standalone="yes"?>)"
-           R"(<worksheet xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main" )"
-           R"(xmlns:r="http://schemas.openxmlformats.org/officeDocument/2006/relationships">)"
-           "<sheetData>" + rows + "</sheetData>" + after + "</worksheet>";
+    return "<worksheet " + Namespaces + "><sheetData>" + rows + "</sheetData>" + after + "</worksheet>";
+}
+
+QByteArray numberRows(int count)
+{
+    QByteArray rows;
+    for (int r = 1; r <= count; ++r) {
+        const QByteArray n = QByteArray::number(r);
+        rows += "<row r=\"" + n + "\"><c r=\"A" + n + "\"><v>" + n + "</v></c></row>";
+    }
+    return rows;
 }
 
 QString fileOf(const QByteArray& bytes)
@@ -130,6 +206,14 @@ std::unique_ptr<QXlsx::Document> openBytes(const QByteArray& bytes)
     buffer.setData(bytes);
     buffer.open(QIODevice::ReadOnly);
     return std::make_unique<QXlsx::Document>(&buffer);
+}
+
+bool readModel(const QByteArray& bytes, QXlsx::detail::WorkbookData& book, const QXlsx::detail::ReadLimits& limits)
+{
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    return QXlsx::detail::readPackage(buffer, book, nullptr, limits);
 }
 
 } // namespace readtest

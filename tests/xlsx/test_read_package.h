@@ -3,9 +3,12 @@
 // Packages made in memory for the reader's tests: a zip of named parts, and the parts
 // of a minimal workbook that a test changes one at a time.
 
+#include "model/workbookdata.h"
+#include "read/packagereader.h"
 #include "xlsxdocument.h"
 
 #include <QByteArray>
+#include <QList>
 #include <QString>
 
 #include <memory>
@@ -16,8 +19,47 @@ namespace readtest {
 
 using Parts = std::vector<std::pair<QString, QByteArray>>;
 
+// A zip written record by record, so that it can also hold what no zip library writes:
+// a central directory in which several entries point at one local file.
+class RawZip
+{
+public:
+    // An entry of the bytes, deflated or stored.
+    void add(const QString& name, const QByteArray& bytes, bool deflated = true);
+    // An entry whose data is the raw deflate stream as given, said to inflate to size bytes.
+    void addStream(const QString& name, const QByteArray& stream, quint32 size);
+    // One more directory entry for the local file of another entry.
+    void addAlias(const QString& alias, const QString& of);
+    QByteArray bytes() const;
+
+private:
+    struct Entry
+    {
+        QByteArray name;
+        quint32 offset, method, compressedSize, size, crc;
+    };
+    void append(Entry entry, const QByteArray& data);
+    static QByteArray header(quint32 signature, const Entry& entry, bool central);
+
+    QByteArray m_locals;
+    std::vector<Entry> m_central;
+};
+
+// The bytes as a raw deflate stream; with fullFlush the stream is not final and ends on
+// a byte boundary, so that copies joined one after another are a stream of the bytes repeated.
+QByteArray rawDeflate(const QByteArray& bytes, bool fullFlush = false);
+
 // A zip archive of the parts, deflated.
 QByteArray zipOf(const Parts& parts);
+
+// The XML of one relationship of an officeDocument kind ("worksheet", "styles", ...),
+// and of a relationships part of such items.
+QByteArray relationship(const QByteArray& id, const QByteArray& kind, const QByteArray& target);
+QByteArray relationships(const QByteArray& items);
+
+// A workbook of the sheets named, sheet k pointing at relationship "s<k>"; before goes
+// ahead of the sheets, after behind them.
+QByteArray workbookOf(const QList<QByteArray>& names, const QByteArray& before = {}, const QByteArray& after = {});
 
 // A workbook of one worksheet "Data" whose part is sheetXml; shared strings and styles
 // are part of it when given.
@@ -29,11 +71,16 @@ void setPart(Parts& parts, const QString& name, const QByteArray& data);
 
 // A <worksheet> whose sheetData holds rows, followed by the elements in after.
 QByteArray worksheet(const QByteArray& rows, const QByteArray& after = {});
+// Rows 1 to count, each holding its number in column A.
+QByteArray numberRows(int count);
 
 // The bytes written to a temporary file that lives until the end of the test run.
 QString fileOf(const QByteArray& bytes);
 
 // A document opened from the bytes in memory.
 std::unique_ptr<QXlsx::Document> openBytes(const QByteArray& bytes);
+// The model the reader builds from the bytes, for what the API does not show.
+bool readModel(const QByteArray& bytes, QXlsx::detail::WorkbookData& book,
+               const QXlsx::detail::ReadLimits& limits = QXlsx::detail::ReadLimits());
 
 } // namespace readtest
