@@ -3,7 +3,7 @@
 // the package, a name repeated on thousands of sheets, files of other formats under a
 // workbook's name. Each opens as an empty or partial workbook, quickly, never a crash.
 
-#include "test_read_package.h"
+#include "test_support.h"
 
 #include <gtest/gtest.h>
 
@@ -15,7 +15,7 @@
 #include <QtEndian>
 
 using namespace QXlsx;
-using namespace readtest;
+using namespace xlsxtest;
 
 namespace {
 

@@ -1,7 +1,7 @@
 // What the engine reads agrees with what openpyxl reads: the Excel corpus, a workbook
 // written by openpyxl, and the same workbook saved again by LibreOffice.
 
-#include "test_write_support.h"
+#include "test_support.h"
 
 #include "xlsxdocument.h"
 
@@ -16,7 +16,7 @@
 #include <cmath>
 
 using namespace QXlsx;
-using namespace writetest;
+using namespace xlsxtest;
 
 namespace {
 

@@ -1,12 +1,12 @@
 // Reading workbooks made in the tests: what a user of the API sees in each cell, sheet
 // and format, and what the model keeps for a save.
 
-#include "test_read_package.h"
+#include "test_support.h"
 
 #include <gtest/gtest.h>
 
 using namespace QXlsx;
-using namespace readtest;
+using namespace xlsxtest;
 
 namespace {
 

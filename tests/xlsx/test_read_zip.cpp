@@ -1,30 +1,15 @@
 // The zip container and the XML layer under the reader: limits and hostile input.
 
-#include "test_read_package.h"
+#include "test_support.h"
 
 #include "read/xmlreader.h"
-#include "zip/zipreader.h"
 
 #include <gtest/gtest.h>
 
 #include <QElapsedTimer>
 
 using namespace QXlsx::detail;
-using readtest::zipOf;
-
-namespace {
-
-// An entry of the archive read whole, or as far as the reader goes; complete tells which.
-QByteArray entry(ZipReader& zip, const QString& name, bool* complete = nullptr)
-{
-    QByteArray data;
-    const bool ok = zip.readAll(zip.indexOf(name), &data, nullptr);
-    if (complete)
-        *complete = ok;
-    return data;
-}
-
-} // namespace
+using namespace xlsxtest;
 
 TEST(ReadZip, FindsEntriesWhateverTheirCaseOrLeadingSlash)
 {
@@ -38,7 +23,7 @@ TEST(ReadZip, FindsEntriesWhateverTheirCaseOrLeadingSlash)
 
 TEST(ReadZip, RefusesBytesThatAreNotAZipOrHoldMoreEntriesThanAllowed)
 {
-    readtest::Parts parts;
+    Parts parts;
     for (int i = 0; i < 20; ++i)
         parts.emplace_back(QStringLiteral("p%1").arg(i), "x");
     ReadLimits tenParts;

@@ -1,7 +1,7 @@
 // Workbooks written by the engine, converted to CSV by LibreOffice. One soffice run
 // converts every file of a test, since each start costs seconds.
 
-#include "test_write_support.h"
+#include "test_support.h"
 
 #include "xlsxdocument.h"
 
@@ -13,7 +13,7 @@
 #include <QTemporaryDir>
 
 using namespace QXlsx;
-using namespace writetest;
+using namespace xlsxtest;
 
 namespace {
 

@@ -1,7 +1,6 @@
 // Workbooks written by the engine, as openpyxl reads them.
 
-#include "test_read_package.h"
-#include "test_write_support.h"
+#include "test_support.h"
 
 #include "xlsxdocument.h"
 
@@ -12,7 +11,7 @@
 #include <iterator>
 
 using namespace QXlsx;
-using namespace writetest;
+using namespace xlsxtest;
 
 namespace {
 
@@ -185,7 +184,6 @@ TEST(WriteOpenpyxl, AnOpenedWorkbookKeepsWhatTheEngineDoesNotModel)
 TEST(WriteOpenpyxl, TheStaleCalculationChainIsDropped)
 {
     REQUIRE_OPENPYXL();
-    using namespace readtest;
     Parts parts = workbookParts(worksheet("<row r=\"1\"><c r=\"A1\"><v>1</v></c><c r=\"B1\"><f>A1*2</f><v>2</v></c></row>"));
     setPart(parts, "xl/calcChain.xml",
             "<calcChain xmlns=\"http://schemas.openxmlformats.org/spreadsheetml/2006/main\"><c r=\"B1\" i=\"1\"/></calcChain>");

@@ -1,14 +1,20 @@
-#include "test_read_package.h"
+#include "test_support.h"
 
 #include <QBuffer>
 #include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QProcess>
 #include <QTemporaryDir>
+#include <QUrl>
 
 #include <zlib.h>
 
 #include <algorithm>
 
-namespace readtest {
+namespace xlsxtest {
+
 
 namespace {
 
@@ -189,17 +195,6 @@ QByteArray numberRows(int count)
     return rows;
 }
 
-QString fileOf(const QByteArray& bytes)
-{
-    static QTemporaryDir folder;
-    static int count = 0;
-    const QString path = folder.filePath(QStringLiteral("package%1.xlsx").arg(++count));
-    QFile file(path);
-    file.open(QIODevice::WriteOnly);
-    file.write(bytes);
-    return path;
-}
-
 std::unique_ptr<QXlsx::Document> openBytes(const QByteArray& bytes)
 {
     QBuffer buffer;
@@ -216,4 +211,139 @@ bool readModel(const QByteArray& bytes, QXlsx::detail::WorkbookData& book, const
     return QXlsx::detail::readPackage(buffer, book, nullptr, limits);
 }
 
-} // namespace readtest
+
+
+QString scratchPath(const QString& name)
+{
+    static QTemporaryDir folder;
+    return folder.filePath(name);
+}
+
+QString fileOf(const QByteArray& bytes)
+{
+    static int count = 0;
+    const QString path = scratchPath(QStringLiteral("package%1.xlsx").arg(++count));
+    QFile file(path);
+    file.open(QIODevice::WriteOnly);
+    file.write(bytes);
+    return path;
+}
+
+QString saved(const QXlsx::Document& document, const QString& name)
+{
+    const QString path = scratchPath(name);
+    return document.saveAs(path) ? path : QString();
+}
+
+QByteArray entry(QXlsx::detail::ZipReader& zip, const QString& name, bool* complete)
+{
+    QByteArray data;
+    const bool ok = zip.readAll(zip.indexOf(name), &data, nullptr);
+    if (complete)
+        *complete = ok;
+    return data;
+}
+
+namespace {
+
+// The package at path, and its archive opened when it is one.
+struct Package
+{
+    explicit Package(const QString& path)
+    {
+        QFile file(path);
+        if (file.open(QIODevice::ReadOnly))
+            bytes = file.readAll();
+        open = zip.open(bytes.constData(), bytes.size(), nullptr);
+    }
+    QByteArray bytes;
+    QXlsx::detail::ZipReader zip{QXlsx::detail::ReadLimits()};
+    bool open = false;
+};
+
+} // namespace
+
+QStringList entryNames(const QString& path)
+{
+    Package package(path);
+    QStringList names;
+    for (int i = 0; package.open && i < package.zip.entryCount(); ++i)
+        names << package.zip.entryName(i);
+    return names;
+}
+
+QByteArray entry(const QString& path, const QString& name)
+{
+    Package package(path);
+    return package.open ? entry(package.zip, name) : QByteArray();
+}
+
+namespace {
+
+QByteArray run(const QString& program, const QStringList& arguments, QString* error, int timeoutMs)
+{
+    QProcess process;
+    process.start(program, arguments);
+    if (!process.waitForFinished(timeoutMs) || process.exitStatus() != QProcess::NormalExit
+        || process.exitCode() != 0) {
+        *error = QString::fromUtf8(process.readAllStandardError());
+        if (error->isEmpty())
+            *error = QFileInfo(program).fileName() + QStringLiteral(" failed");
+        return QByteArray();
+    }
+    error->clear();
+    return process.readAllStandardOutput();
+}
+
+} // namespace
+
+bool haveOpenpyxl()
+{
+    static const bool have = [] {
+        QString error;
+        return QFileInfo(QStringLiteral(VYGIS_PYTHON3)).isExecutable()
+               && runPython({QStringLiteral("-c"), QStringLiteral("import openpyxl")}, &error).isEmpty()
+               && error.isEmpty();
+    }();
+    return have;
+}
+
+bool haveOffice()
+{
+    return QFileInfo(QStringLiteral(VYGIS_SOFFICE)).isExecutable();
+}
+
+QByteArray runPython(const QStringList& arguments, QString* error, int timeoutMs)
+{
+    QStringList args = arguments;
+    if (!args.isEmpty() && args.first().endsWith(QLatin1String(".py")))
+        args.first() = QStringLiteral(VYGIS_TEST_SOURCE_DIR "/interop/") + args.first();
+    return run(QStringLiteral(VYGIS_PYTHON3), args, error, timeoutMs);
+}
+
+bool convertByOffice(const QStringList& files, const QString& filter, const QString& outDir, QString* error)
+{
+    // A private profile, so that a desktop session of LibreOffice is never in the way.
+    const QTemporaryDir profile;
+    run(QStringLiteral(VYGIS_SOFFICE),
+        QStringList{"-env:UserInstallation=" + QUrl::fromLocalFile(profile.path()).toString(), "--headless",
+                    "--convert-to", filter, "--outdir", outDir} + files, error, 180000);
+    return error->isEmpty();
+}
+
+QJsonObject openpyxlDump(const QString& path)
+{
+    QString error;
+    const QByteArray json = runPython({QStringLiteral("openpyxl_dump.py"), path}, &error);
+    if (!error.isEmpty())
+        qWarning("openpyxl: %s", qPrintable(error));
+    return QJsonDocument::fromJson(json).object();
+}
+
+QJsonObject dumpedCell(const QJsonObject& dump, int sheet, const QString& reference)
+{
+    return dump.value(QLatin1String("sheets")).toArray().at(sheet).toObject()
+        .value(QLatin1String("cells")).toObject().value(reference).toObject();
+}
+
+} // namespace xlsxtest

@@ -1,21 +1,27 @@
 #pragma once
 
-// Packages made in memory for the reader's tests: a zip of named parts, and the parts
-// of a minimal workbook that a test changes one at a time.
+// What the engine's tests share: packages made in memory (a zip of named parts, the parts
+// of a minimal workbook that a test changes one at a time), saving a document to a
+// scratch file and reading parts of the package back, and asking real readers
+// (openpyxl, LibreOffice) what they see.
 
 #include "model/workbookdata.h"
 #include "read/packagereader.h"
 #include "xlsxdocument.h"
+#include "zip/zipreader.h"
 
 #include <QByteArray>
+#include <QJsonObject>
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 #include <utility>
 #include <vector>
 
-namespace readtest {
+namespace xlsxtest {
+
 
 using Parts = std::vector<std::pair<QString, QByteArray>>;
 
@@ -74,13 +80,39 @@ QByteArray worksheet(const QByteArray& rows, const QByteArray& after = {});
 // Rows 1 to count, each holding its number in column A.
 QByteArray numberRows(int count);
 
-// The bytes written to a temporary file that lives until the end of the test run.
-QString fileOf(const QByteArray& bytes);
-
 // A document opened from the bytes in memory.
 std::unique_ptr<QXlsx::Document> openBytes(const QByteArray& bytes);
 // The model the reader builds from the bytes, for what the API does not show.
 bool readModel(const QByteArray& bytes, QXlsx::detail::WorkbookData& book,
                const QXlsx::detail::ReadLimits& limits = QXlsx::detail::ReadLimits());
 
-} // namespace readtest
+
+
+// A path for a file named name in a folder that lives until the end of the test run.
+QString scratchPath(const QString& name);
+// The bytes written to a new file in that folder.
+QString fileOf(const QByteArray& bytes);
+// Saves document under name in the scratch folder; the path, or an empty text on failure.
+QString saved(const QXlsx::Document& document, const QString& name);
+
+// One entry of an archive read whole, or as far as the reader goes; complete tells which.
+QByteArray entry(QXlsx::detail::ZipReader& zip, const QString& name, bool* complete = nullptr);
+// The names of the entries of the package at path, and one entry's bytes.
+QStringList entryNames(const QString& path);
+QByteArray entry(const QString& path, const QString& name);
+
+// True when the interpreter with openpyxl, or LibreOffice, is there; the tests skip otherwise.
+bool haveOpenpyxl();
+bool haveOffice();
+// Runs a script of the interop folder (or code with -c) with the test Python; its
+// standard output, or an empty array with the reason in error.
+QByteArray runPython(const QStringList& arguments, QString* error, int timeoutMs = 60000);
+// Has LibreOffice, with a profile of its own, convert files into outDir through the
+// filter ("xlsx:Calc MS Excel 2007 XML", "csv:..."); false with the reason in error.
+bool convertByOffice(const QStringList& files, const QString& filter, const QString& outDir, QString* error);
+// What openpyxl sees in the workbook at path (see interop/openpyxl_dump.py).
+QJsonObject openpyxlDump(const QString& path);
+// One cell of a sheet of such a dump.
+QJsonObject dumpedCell(const QJsonObject& dump, int sheet, const QString& reference);
+
+} // namespace xlsxtest
