@@ -2,6 +2,7 @@
 
 #include "tsmemoryraster.h"
 
+#include <array>
 #include <limits>
 
 using namespace VyObjects;
@@ -36,10 +37,8 @@ protected:
 
 TEST_F(RasterTest, RowsCountDownFromTheTopEdgeAndFractionsAreCutDown)
 {
-    EXPECT_EQ(readCell(0, 0), 1.0);
-    EXPECT_EQ(readCell(2, 1), -6.0);
-    EXPECT_EQ(readCell(1, 1), 5.0);
-    EXPECT_EQ(readCell(1.9, 0.99), 2.0);
+    EXPECT_EQ(std::vector<double>({readCell(0, 0), readCell(2, 1), readCell(1, 1), readCell(1.9, 0.99)}),
+              std::vector<double>({1.0, -6.0, 5.0, 2.0}));
 }
 
 TEST_F(RasterTest, CellsOutsideTheGridGiveNoData)
@@ -63,17 +62,11 @@ TEST_F(RasterTest, BlocksOverTheEdgeReadWhatIsInside)
     EXPECT_EQ(wide->GetPixelValue(1, 0, 1), TsMemoryRaster::DefaultNoData);
 }
 
-TEST_F(RasterTest, IndexesOutsideTheBlockGiveNoData)
+TEST_F(RasterTest, RefusesMissingBlocksLevelsAndSizesAndIndexesOutsideTheBlockGiveNoData)
 {
     readCell(0, 0);
-    EXPECT_EQ(block->GetPixelValue(0, 0, 0), TsMemoryRaster::DefaultNoData);
-    EXPECT_EQ(block->GetPixelValue(2, 0, 0), TsMemoryRaster::DefaultNoData);
-    EXPECT_EQ(block->GetPixelValue(1, 1, 0), TsMemoryRaster::DefaultNoData);
-    EXPECT_EQ(block->GetPixelValue(1, 0, -1), TsMemoryRaster::DefaultNoData);
-}
-
-TEST_F(RasterTest, RefusesMissingBlocksLevelsAndSizes)
-{
+    for (const auto& index : {std::array<int, 3>{0, 0, 0}, {2, 0, 0}, {1, 1, 0}, {1, 0, -1}})
+        EXPECT_EQ(block->GetPixelValue(index[0], index[1], index[2]), TsMemoryRaster::DefaultNoData);
     EXPECT_FALSE(raster->ReadPixelBlock(TsPoint(0, 0), nullptr, 0));
     EXPECT_FALSE(raster->ReadPixelBlock(TsPoint(0, 0), block.get(), 1));
     EXPECT_TRUE(raster->CreatePixelBlock(TsSize(0, 1)).isNull());

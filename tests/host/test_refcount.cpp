@@ -20,7 +20,7 @@ TEST_F(RefPtrTest, CopiesAndUpcastsShareOneObjectAndEachHoldsAReference)
     EXPECT_EQ(point->RefCount(), 1);
 }
 
-TEST_F(RefPtrTest, LastReleaseDestroysTheObject)
+TEST_F(RefPtrTest, LastReleaseDestroysTheObjectMoveHandsTheReferenceOverAndAssignmentReleasesTheOld)
 {
     const long long before = TsRefBase::LiveObjectCount();
     auto* point = new TsGeoPoint(1.0, 2.0);
@@ -30,11 +30,7 @@ TEST_F(RefPtrTest, LastReleaseDestroysTheObject)
     EXPECT_FALSE(point->Release());
     EXPECT_TRUE(point->Release());
     EXPECT_EQ(TsRefBase::LiveObjectCount(), before);
-}
 
-TEST_F(RefPtrTest, MoveHandsTheReferenceOverAndAssignmentReleasesTheOldObject)
-{
-    const long long before = TsRefBase::LiveObjectCount();
     auto holder = TsRefPtr<TsGeoPoint>::create(1.0, 2.0);
     const TsRefPtr<TsGeoPoint> moved = std::move(holder);
     EXPECT_TRUE(holder.isNull());

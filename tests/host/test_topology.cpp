@@ -34,11 +34,15 @@ protected:
 
 } // namespace
 
-TEST_F(TopologyTest, ErrorInfoFillsTheOutValuesInOrder)
+TEST_F(TopologyTest, ErrorInfoFillsTheOutValuesInOrderAndTheCountFollowsTheErrorsUnlessOverridden)
 {
     TsTopoError r;
     ASSERT_TRUE(read(*topology, 0, r));
     EXPECT_EQ(fields(r), fields(Overlap));
+    EXPECT_TRUE(topology->GetIsAttributeCheck());
+    EXPECT_EQ(topology->GetTopoErrorCount(), 1);
+    topology->SetReportedErrorCount(-1);
+    EXPECT_EQ(topology->GetTopoErrorCount(), -1);
 }
 
 TEST_F(TopologyTest, UnreadableErrorsLeaveTheOutValuesAlone)
@@ -53,12 +57,4 @@ TEST_F(TopologyTest, UnreadableErrorsLeaveTheOutValuesAlone)
         EXPECT_EQ(r.number, -1);
         EXPECT_EQ(r.layerName, TsString("unset"));
     }
-}
-
-TEST_F(TopologyTest, CountFollowsTheErrorsUnlessOverridden)
-{
-    EXPECT_TRUE(topology->GetIsAttributeCheck());
-    EXPECT_EQ(topology->GetTopoErrorCount(), 1);
-    topology->SetReportedErrorCount(-1);
-    EXPECT_EQ(topology->GetTopoErrorCount(), -1);
 }

@@ -9,17 +9,13 @@ namespace {
 const char* const ClefUtf8 = "\xF0\x9D\x84\x9E";
 } // namespace
 
-TEST(TsStringTest, Utf8CharactersBeyondTheBmpBecomeSurrogatePairs)
+TEST(TsStringTest, Utf8AndWideStringsSurviveTheRoundTripWithSurrogatePairsBeyondTheBmp)
 {
     const TsString clef(ClefUtf8);
     ASSERT_EQ(clef.GetLength(), 2);
     EXPECT_EQ(clef.utf16()[0], 0xD834);
     EXPECT_EQ(clef.utf16()[1], 0xDD1E);
     EXPECT_EQ(clef.toUtf8(), ClefUtf8);
-}
-
-TEST(TsStringTest, WideStringsSurviveTheRoundTripAndAgreeWithUtf8)
-{
     const std::wstring original = L"Stra\u00DFe \U0001D11E \u8DEF";
     TsString text(original);
     EXPECT_EQ(text.toStdWString(), original);

@@ -29,13 +29,21 @@ TEST(TsVariantTest, EachKindCarriesItsCodeInTheFirst32Bits)
     }
 }
 
-TEST(TsVariantTest, FloatingValuesReadAsDoubles)
+TEST(TsVariantTest, ValuesReadAsDoublesAndRoundIntoInt64sWhenTheyFit)
 {
     EXPECT_EQ(TsVariant(1234.5).GetDouble(), 1234.5);
     EXPECT_EQ(TsVariant(0.5f).GetDouble(), 0.5);
     EXPECT_EQ(TsVariant(std::int64_t{1} << 40).GetDouble(), 1099511627776.0);
     EXPECT_EQ(TsVariant(" 12.25 ").GetDouble(), 12.25);
     EXPECT_EQ(TsVariant("twelve").GetDouble(), 0.0);
+    bool ok = false;
+    EXPECT_EQ(TsVariant(2.5).GetInt64(&ok), 3);
+    EXPECT_TRUE(ok);
+    EXPECT_EQ(TsVariant(-2.5).GetInt64(&ok), -3);
+    TsVariant(1e19).GetInt64(&ok);
+    EXPECT_FALSE(ok);
+    TsVariant("12abc").GetInt64(&ok);
+    EXPECT_FALSE(ok);
 }
 
 TEST(TsVariantTest, EachKindPrintsItsValueAndFloatsTheShortestRoundTripText)
@@ -51,18 +59,6 @@ TEST(TsVariantTest, EachKindPrintsItsValueAndFloatsTheShortestRoundTripText)
     };
     for (const auto& c : cases)
         EXPECT_EQ(c.value.ToString(), TsString(c.text)) << c.text;
-}
-
-TEST(TsVariantTest, Int64ConversionRoundsAndRefusesWhatDoesNotFit)
-{
-    bool ok = false;
-    EXPECT_EQ(TsVariant(2.5).GetInt64(&ok), 3);
-    EXPECT_TRUE(ok);
-    EXPECT_EQ(TsVariant(-2.5).GetInt64(&ok), -3);
-    TsVariant(1e19).GetInt64(&ok);
-    EXPECT_FALSE(ok);
-    TsVariant("12abc").GetInt64(&ok);
-    EXPECT_FALSE(ok);
 }
 
 TEST(TsVariantTest, EqualityComparesCodeAndValue)

@@ -4,7 +4,8 @@
 // or reference outlives it, workbooks written cell by cell with the engine, and the real
 // programs (openpyxl, LibreOffice) that write and read workbooks beside the library.
 
-#include "test_reference_balance.h"
+#include "../host/hosttesting.h"   // ReferenceBalanceTest, shared with the host tests
+#include "vygisutil.h"
 #include "xlsxdocument.h"
 
 #include <QFile>
@@ -28,6 +29,15 @@ class LibraryTest : public ReferenceBalanceTest
 protected:
     QString path(const QString& name = QStringLiteral("book.xlsx")) const { return m_dir.filePath(name); }
 
+    // A file holding content, which need not be a workbook.
+    QString fileWith(const QByteArray& content, const QString& name = QStringLiteral("notes.xlsx")) const
+    {
+        QFile out(path(name));
+        EXPECT_TRUE(out.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        out.write(content);
+        return out.fileName();
+    }
+
     static QByteArray bytesOf(const QString& file)
     {
         QFile in(file);
@@ -46,14 +56,21 @@ protected:
         return path(name);
     }
 
+    // In rows(): a cell stored with a (bold) format but without a value.
+    static inline const QString StoredBlank = QStringLiteral("<stored blank>");
+
     // A sheet whose rows hold the given values from A1; a null value (a null QString too)
     // leaves its cell out, while "" is a stored text.
     QString rows(const QList<QVariantList>& values, const QString& name = QString())
     {
         return workbook([&](QXlsx::Document& document) {
+            QXlsx::Format bold;
+            bold.setFontBold(true);
             for (int r = 0; r < values.size(); ++r) {
                 for (int c = 0; c < values[r].size(); ++c) {
-                    if (!values[r][c].isNull())
+                    if (values[r][c].userType() == QMetaType::QString && values[r][c].toString() == StoredBlank)
+                        document.write(r + 1, c + 1, QVariant(), bold);
+                    else if (!values[r][c].isNull())
                         document.write(r + 1, c + 1, values[r][c]);
                 }
             }
@@ -79,10 +96,12 @@ protected:
         return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
     }
 
-    // Runs an openpyxl script with the file as sys.argv[1].
+    // Has openpyxl run script on a new workbook wb with its active sheet ws, then save
+    // it as file.
     QString python(const QString& script, const QString& file)
     {
-        return run(QStringLiteral(VYGIS_PYTHON3), {"-c", "import sys, openpyxl\n" + script, file});
+        return run(QStringLiteral(VYGIS_PYTHON3), {"-c", "import sys, openpyxl\nwb = openpyxl.Workbook()\n"
+                   "ws = wb.active\n" + script + "wb.save(sys.argv[1])\n", file});
     }
 
     // Has LibreOffice open file and save it as a workbook in the folder "office", which

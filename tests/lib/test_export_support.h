@@ -9,13 +9,7 @@ class ExportTest : public LibraryTest
 {
 protected:
     // A file that a refused export must leave as it was (see keptIntact).
-    QString existingFile() const
-    {
-        QFile out(path(QStringLiteral("kept.xlsx")));
-        out.open(QIODevice::WriteOnly);
-        out.write("earlier content");
-        return out.fileName();
-    }
+    QString existingFile() const { return fileWith("earlier content", QStringLiteral("kept.xlsx")); }
     static bool keptIntact(const QString& file) { return bytesOf(file) == "earlier content"; }
 };
 

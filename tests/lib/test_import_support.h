@@ -1,12 +1,14 @@
 #pragma once
 
-// Shared by the import tests: a closer for the message box an import may show.
+// Shared by the import tests: a closer for the message box an import may show, and the
+// texts a table widget shows.
 
 #include "libtesting.h"
 
 #include <QApplication>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTableWidget>
 #include <QTimer>
 
 namespace importtest {
@@ -53,6 +55,19 @@ private:
     QTimer m_timer;
     QList<ShownMessage> m_shown;
 };
+
+using Shown = std::vector<QStringList>;
+
+// The texts of the widget's rows, "-" where a cell has no item.
+inline Shown shownRows(const QTableWidget& table)
+{
+    Shown texts(table.rowCount());
+    for (int r = 0; r < table.rowCount(); ++r) {
+        for (int c = 0; c < table.columnCount(); ++c)
+            texts[r] << (table.item(r, c) ? table.item(r, c)->text() : QStringLiteral("-"));
+    }
+    return texts;
+}
 
 } // namespace importtest
 

@@ -1,86 +1,58 @@
 #include "test_import_support.h"
 
-#include "vygisutil.h"
-
-#include <QTableWidget>
 
 namespace {
+
+using importtest::Shown;
+using importtest::shownRows;
 
 class TableWidgetImport : public ImportTest
 {
 protected:
-    TableWidgetImport() : m_table(0, 4) {}
-
-    bool import(const QString& file, const QStringList& keys)
+    bool import(const QString& file, const QStringList& keys, QTableWidget* table = nullptr)
     {
         QMap<QString, int> accepted;
         for (const QString& key : keys)
             accepted.insert(key, 0);
-        return VyExcelUtil::importExcelToTableWidget(file, accepted, &m_table);
+        return VyExcelUtil::importExcelToTableWidget(file, accepted, table ? table : &m_table);
     }
 
-    // The texts of a widget row, "-" where a cell has no item.
-    QStringList row(int r) const
-    {
-        QStringList texts;
-        for (int c = 0; c < m_table.columnCount(); ++c) {
-            const QTableWidgetItem* item = m_table.item(r, c);
-            texts.append(item ? item->text() : QStringLiteral("-"));
-        }
-        return texts;
-    }
+    Shown shown() const { return shownRows(m_table); }
 
-    QTableWidget m_table;
+    QTableWidget m_table{0, 4};
 };
 
 TEST_F(TableWidgetImport, AppendsAcceptedRowsInSheetOrderBelowTheWidgetsOwnRows)
 {
     m_table.setRowCount(1);
     m_table.setItem(0, 0, new QTableWidgetItem("earlier"));
-    const QString file = rows({{"Key", "B", "C", "D", "E"},
-                               {"K1", "b1", "c1", "d1", "e1"},
-                               {"other", "b2", "c2", "d2"},
-                               {"K2", "b3", "c3", "d3"},
-                               {"K1", "b4", "c4", "d4"}});
+    const QString file = rows({{"Key", "B", "C", "D", "E"}, {"K1", "b1", "c1", "d1", "e1"},
+                               {"other", "b2", "c2", "d2"}, {"K2", "b3", "c3", "d3"}, {"K1", "b4", "c4", "d4"}});
     m_table.setColumnCount(5);
-
     EXPECT_TRUE(import(file, {"K1", "K2"}));
-
-    ASSERT_EQ(m_table.rowCount(), 4);
-    EXPECT_EQ(row(0), (QStringList{"earlier", "-", "-", "-", "-"}));
-    EXPECT_EQ(row(1), (QStringList{"K1", "b1", "c1", "d1", "-"}));
-    EXPECT_EQ(row(2), (QStringList{"K2", "b3", "c3", "d3", "-"}));
-    EXPECT_EQ(row(3), (QStringList{"K1", "b4", "c4", "d4", "-"}));
+    EXPECT_EQ(shown(), (Shown{{"earlier", "-", "-", "-", "-"}, {"K1", "b1", "c1", "d1", "-"},
+                              {"K2", "b3", "c3", "d3", "-"}, {"K1", "b4", "c4", "d4", "-"}}));
 }
 
-TEST_F(TableWidgetImport, ComparesKeysExactlyAndNumbersByTheirText)
+TEST_F(TableWidgetImport, ShowsTheTextsOfRowsWithAnAcceptedKey)
 {
-    const QString file = rows({{"Key"}, {12}, {12.5}, {"k1"}, {" K1"}, {"K1"}});
-    EXPECT_TRUE(import(file, {"12", "12.5", "K1"}));
-    ASSERT_EQ(m_table.rowCount(), 3);
-    EXPECT_EQ(m_table.item(0, 0)->text(), "12");
-    EXPECT_EQ(m_table.item(1, 0)->text(), "12.5");
-    EXPECT_EQ(m_table.item(2, 0)->text(), "K1");
-}
-
-TEST_F(TableWidgetImport, ShowsDatesAsYearMonthDayHoursAndMinutes)
-{
-    const QString file = rows({{"Key"},
-                               {"K1", QDateTime(QDate(2024, 3, 5), QTime(14, 7, 59)),
-                                QDate(1999, 12, 31), 45000.5}});
-    EXPECT_TRUE(import(file, {"K1"}));
-    ASSERT_EQ(m_table.rowCount(), 1);
-    EXPECT_EQ(row(0), (QStringList{"K1", "2024/03/05 14:07", "1999/12/31 00:00", "45000.5"}));
-}
-
-TEST_F(TableWidgetImport, RefusesARowKeyedByATimeOfDayAndAbandonsTheRestOfARowAtOne)
-{
-    // A time alone is a date in December 1899; no text it could show is imported.
-    const QString file = rows({{"Key"}, {QTime(10, 30), "b"}, {"K1", "b", QTime(8, 0), "d"}, {"K1", "b", "c", "d"}});
-    EXPECT_TRUE(import(file, {"1899/12/30 10:30", "1899/12/31 10:30", "0.4375", "K1"}));
-    ASSERT_EQ(m_table.rowCount(), 2);
-    EXPECT_EQ(row(0), (QStringList{"K1", "b", "-", "-"}));
-    EXPECT_EQ(row(1), (QStringList{"K1", "b", "c", "d"}));
+    const struct { QList<QVariantList> rows; QStringList keys; Shown imported; } cases[] = {
+        // Keys compare exactly, numbers by their text.
+        {{{"Key"}, {12}, {12.5}, {"k1"}, {" K1"}, {"K1"}}, {"12", "12.5", "K1"},
+         {{"12", "-", "-", "-"}, {"12.5", "-", "-", "-"}, {"K1", "-", "-", "-"}}},
+        {{{"Key"}, {"K1", QDateTime(QDate(2024, 3, 5), QTime(14, 7, 59)), QDate(1999, 12, 31), 45000.5}}, {"K1"},
+         {{"K1", "2024/03/05 14:07", "1999/12/31 00:00", "45000.5"}}},
+        // A time alone is a date in December 1899; no text it could show is imported, and
+        // the rest of a row is abandoned at one.
+        {{{"Key"}, {QTime(10, 30), "b"}, {"K1", "b", QTime(8, 0), "d"}, {"K1", "b", "c", "d"}},
+         {"1899/12/30 10:30", "1899/12/31 10:30", "0.4375", "K1"}, {{"K1", "b", "-", "-"}, {"K1", "b", "c", "d"}}},
+        {{{"K1", "b", "c", "d"}}, {"K1"}, {}},   // the header row is never compared
+    };
+    for (const auto& c : cases) {
+        m_table.setRowCount(0);
+        EXPECT_TRUE(import(rows(c.rows), c.keys));
+        EXPECT_EQ(shown(), c.imported);
+    }
 }
 
 TEST_F(TableWidgetImport, MissingCellsLeaveWidgetCellsWithoutItems)
@@ -93,46 +65,31 @@ TEST_F(TableWidgetImport, MissingCellsLeaveWidgetCellsWithoutItems)
         document.write(3, 5, "far");                         // widens the used range only
     });
     EXPECT_TRUE(import(file, {"K1"}));
-    ASSERT_EQ(m_table.rowCount(), 1);
-    EXPECT_EQ(row(0), (QStringList{"K1", "-", "c", ""}));
+    EXPECT_EQ(shown(), (Shown{{"K1", "-", "c", ""}}));
 }
 
 TEST_F(TableWidgetImport, ANarrowWidgetGetsItemsOnlyForItsColumns)
 {
-    QTableWidget narrow(0, 2);
-    QTableWidget none(0, 0);
+    QTableWidget narrow(0, 2), none(0, 0);
     const QString file = rows({{"Key"}, {"K1", "b", "c", "d"}});
-    QMap<QString, int> keys{{"K1", 0}};
-
-    EXPECT_TRUE(VyExcelUtil::importExcelToTableWidget(file, keys, &narrow));
-    EXPECT_TRUE(VyExcelUtil::importExcelToTableWidget(file, keys, &none));
-
-    ASSERT_EQ(narrow.rowCount(), 1);
-    EXPECT_EQ(narrow.columnCount(), 2);
-    EXPECT_EQ(narrow.item(0, 0)->text(), "K1");
-    EXPECT_EQ(narrow.item(0, 1)->text(), "b");
-    EXPECT_EQ(none.rowCount(), 1);
-    EXPECT_EQ(none.columnCount(), 0);
+    EXPECT_TRUE(import(file, {"K1"}, &narrow));
+    EXPECT_TRUE(import(file, {"K1"}, &none));
+    EXPECT_EQ(shownRows(narrow), (Shown{{"K1", "b"}}));
+    EXPECT_EQ(shownRows(none), Shown(1));
 }
 
 TEST_F(TableWidgetImport, ASortingWidgetKeepsEachRowTogetherAndStaysSorting)
 {
     m_table.setSortingEnabled(true);
     m_table.sortByColumn(1, Qt::AscendingOrder);
-    const QString file = rows({{"Key"}, {"K1", "z", "c1", "d1"}, {"K2", "a", "c2", "d2"}});
-
-    EXPECT_TRUE(import(file, {"K1", "K2"}));
-
+    EXPECT_TRUE(import(rows({{"Key"}, {"K1", "z", "c1", "d1"}, {"K2", "a", "c2", "d2"}}), {"K1", "K2"}));
     EXPECT_TRUE(m_table.isSortingEnabled());
-    ASSERT_EQ(m_table.rowCount(), 2);
-    EXPECT_EQ(row(0), (QStringList{"K2", "a", "c2", "d2"}));
-    EXPECT_EQ(row(1), (QStringList{"K1", "z", "c1", "d1"}));
+    EXPECT_EQ(shown(), (Shown{{"K2", "a", "c2", "d2"}, {"K1", "z", "c1", "d1"}}));
 }
 
-TEST_F(TableWidgetImport, AHeaderAloneOrNothingToReadAddsNoRowsButAnswersTrue)
+TEST_F(TableWidgetImport, NothingToReadOrNoWidgetAddsNoRowsButAnswersTrue)
 {
-    QMap<QString, int> keys{{"", 0}};
-    EXPECT_TRUE(import(rows({{"K1", "b", "c", "d"}}), {"K1"}));   // the header row is never compared
+    QMap<QString, int> keys{{"K1", 0}};
     EXPECT_TRUE(import(path("missing.xlsx"), {""}));
     EXPECT_TRUE(VyExcelUtil::importExcelToTableWidget(rows({{"Key"}, {"K1"}}), keys, nullptr));
     EXPECT_EQ(m_table.rowCount(), 0);

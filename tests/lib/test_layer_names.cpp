@@ -1,5 +1,4 @@
-#include "test_reference_balance.h"
-#include "vygisutil.h"
+#include "libtesting.h"
 
 #include <string>
 #include <vector>

@@ -1,7 +1,5 @@
 #include "test_template_fixtures.h"
 
-#include "vygisutil.h"
-
 namespace {
 
 // Templates as other programs save them.
@@ -9,10 +7,9 @@ using TemplateInterop = TemplateFiles;
 
 TEST_F(TemplateInterop, ReadsTheActiveSheetOfAnOpenpyxlTemplate)
 {
-    const QString file = path("openpyxl.xlsx");
+    const QString file = path();
     python("from openpyxl.styles import Font\n"
-           "wb = openpyxl.Workbook()\n"
-           "wb.active['A1'] = 'TableName'\n" // a first sheet that is not the active one
+           "ws['A1'] = 'TableName'\n" // a first sheet that is not the active one
            "ws = wb.create_sheet('Fields')\n"
            "ws.append(['TableName', 'FieldsName', 'FieldsType', 'FieldsLenth', 'Precision'])\n"
            "ws.append(['roads', 'id', 'Integer', 10, 0])\n"
@@ -20,8 +17,7 @@ TEST_F(TemplateInterop, ReadsTheActiveSheetOfAnOpenpyxlTemplate)
            "ws.append([None, 'n4', 't4', 'l4', 'p4'])\n"
            "ws['A4'].font = Font(bold=True)\n" // stored, but without a value
            "ws.append(['rivers', 'name', 'Text', 50, 0])\n"
-           "wb.active = 1\n"
-           "wb.save(sys.argv[1])\n", file);
+           "wb.active = 1\n", file);
     SKIP_IF_TOOL_FAILED();
     EXPECT_EQ(VyExcelUtil::readFieldsTemplateTableName(file), (QStringList{"roads", "roads", "", "rivers"}));
     EXPECT_EQ(VyExcelUtil::getImportTemplateTableName(file), (QStringList{"roads", "", "rivers"}));
@@ -32,12 +28,9 @@ TEST_F(TemplateInterop, ReadsTheActiveSheetOfAnOpenpyxlTemplate)
 
 TEST_F(TemplateInterop, ReadsATemplateLibreOfficeConvertedFromCsv)
 {
-    QFile csv(path("fields.csv"));
-    ASSERT_TRUE(csv.open(QIODevice::WriteOnly));
-    csv.write("TableName,FieldsName,FieldsType,FieldsLenth,Precision\n"
-              "roads,id,Integer,10,0\nroads,width,Double,8.5,2\nrivers,name,Text,50,0\n");
-    csv.close();
-    const QString file = resavedByOffice(csv.fileName());
+    const QString file = resavedByOffice(fileWith("TableName,FieldsName,FieldsType,FieldsLenth,Precision\n"
+                                                  "roads,id,Integer,10,0\nroads,width,Double,8.5,2\n"
+                                                  "rivers,name,Text,50,0\n", "fields.csv"));
     SKIP_IF_TOOL_FAILED();
     EXPECT_EQ(VyExcelUtil::getImportTemplateTableName(file), (QStringList{"roads", "rivers"}));
     EXPECT_EQ(VyExcelUtil::getImportTemplateTable(file),

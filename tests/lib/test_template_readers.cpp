@@ -1,7 +1,5 @@
 #include "test_template_fixtures.h"
 
-#include "vygisutil.h"
-
 #include <functional>
 
 namespace {
@@ -77,21 +75,9 @@ TEST_F(ImportTemplate, EveryCheckedReaderRefusesASheetThatIsNoTemplate)
         [](const QString& f) { return VyExcelUtil::readFieldsTemplateTableContent1("a", f); }};
     QStringList misspelt = header();
     misspelt[3] = "FieldsLength";
-    QXlsx::Document blankInF;
-    for (int c = 0; c < 5; ++c) {
-        blankInF.write(1, c + 1, header()[c]);
-        blankInF.write(2, c + 1, field("a", "1")[c]);
-    }
-    QXlsx::Format bold;
-    bold.setFontBold(true);
-    blankInF.write(2, 6, QVariant(), bold); // a stored cell without a value still widens the sheet
-    ASSERT_TRUE(blankInF.saveAs(path("blank-in-f.xlsx")));
-    QFile notAWorkbook(path("notes.xlsx"));
-    ASSERT_TRUE(notAWorkbook.open(QIODevice::WriteOnly));
-    notAWorkbook.write("TableName,FieldsName,FieldsType,FieldsLenth,Precision\na,1,t,l,p\n");
-    notAWorkbook.close();
     const std::vector<QString> files{
-        path("blank-in-f.xlsx"), path("notes.xlsx"),
+        saveTemplate({field("a", "1") << StoredBlank}),   // a stored cell without a value widens the sheet
+        fileWith("TableName,FieldsName,FieldsType,FieldsLenth,Precision\na,1,t,l,p\n"),
         saveTemplate({}),                                   // header only
         save({misspelt, field("a", "1")}),
         save({header().mid(0, 4), field("a", "1").mid(0, 4)}), // four columns

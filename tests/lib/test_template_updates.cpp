@@ -1,7 +1,5 @@
 #include "test_template_fixtures.h"
 
-#include "vygisutil.h"
-
 #include <QDir>
 #include <QFileDevice>
 
@@ -42,56 +40,43 @@ Seen inspect(const QString& file)
 }
 
 // A workbook with a second sheet and cells beyond the template's, all of which must go.
-QString busyWorkbook(const QString& file)
+void fillBusily(QXlsx::Document& document)
 {
-    QXlsx::Document document;
     document.write(1, 1, "old");
     document.write(30, 9, 3.5);
     document.addSheet("Notes");
     document.write(2, 2, "kept?");
-    EXPECT_TRUE(document.saveAs(file));
-    return file;
 }
 
-TEST_F(TemplateUpdates, ContentReplacesTheWorkbookByCompleteGroupsOfFiveOrEmptiesIt)
+TEST_F(TemplateUpdates, WritersReplaceTheWholeWorkbookByPlainTextsBelowTheHeader)
 {
-    const QString file = busyWorkbook(path("t.xlsx"));
-    QStringList content;
-    for (int i = 0; i < 12; ++i)
-        content << QString::number(i);
-    EXPECT_TRUE(VyExcelUtil::updateFieldsTemplateTableContent(content, file));
-    const Seen seen = inspect(file);
-    EXPECT_EQ(seen.sheets, QStringList{"Sheet1"});
-    EXPECT_TRUE(seen.allPlainText);
-    EXPECT_EQ(seen.rows, (std::vector<QStringList>{header(), {"0", "1", "2", "3", "4"}, {"5", "6", "7", "8", "9"}}));
+    const QString content = workbook(fillBusily);
+    const QString names = workbook(fillBusily);
+    // Content goes in complete groups of five.
+    EXPECT_TRUE(VyExcelUtil::updateFieldsTemplateTableContent(
+        {"0", "1", "2", "3", "4", "5", "6", "7", "8", "9", "10", "11"}, content));
+    VyExcelUtil::updateTemplateName(names, {"roads", " rivers", ""});
+    for (const QString& file : {content, names}) {
+        EXPECT_EQ(inspect(file).sheets, QStringList{"Sheet1"});
+        EXPECT_TRUE(inspect(file).allPlainText);
+    }
+    EXPECT_EQ(inspect(content).rows, (std::vector<QStringList>{header(), {"0", "1", "2", "3", "4"},
+                                                               {"5", "6", "7", "8", "9"}}));
+    EXPECT_EQ(inspect(names).rows, (std::vector<QStringList>{{"TableName"}, {"roads"}, {" rivers"}, {""}}));
 
-    EXPECT_TRUE(VyExcelUtil::updateFieldsTemplateTableContent({"a", "b", "c"}, file));
-    EXPECT_EQ(inspect(file).rows, std::vector<QStringList>{header()});
+    EXPECT_TRUE(VyExcelUtil::updateFieldsTemplateTableContent({"a", "b", "c"}, content));
+    EXPECT_EQ(inspect(content).rows, std::vector<QStringList>{header()});
+    VyExcelUtil::updateTemplateName(names, {});
+    EXPECT_EQ(inspect(names).rows, std::vector<QStringList>{{"TableName"}});
     // Empty content leaves an emptied workbook and false.
-    EXPECT_FALSE(VyExcelUtil::updateFieldsTemplateTableContent({}, file));
-    EXPECT_EQ(inspect(file).sheets, QStringList{"Sheet1"});
-    EXPECT_TRUE(inspect(file).rows.empty());
-}
-
-TEST_F(TemplateUpdates, NamesReplaceTheWorkbookBelowTheHeader)
-{
-    const QString file = busyWorkbook(path("names.xlsx"));
-    VyExcelUtil::updateTemplateName(file, {"roads", " rivers", ""});
-    const Seen seen = inspect(file);
-    EXPECT_EQ(seen.sheets, QStringList{"Sheet1"});
-    EXPECT_TRUE(seen.allPlainText);
-    EXPECT_EQ(seen.rows, (std::vector<QStringList>{{"TableName"}, {"roads"}, {" rivers"}, {""}}));
-
-    VyExcelUtil::updateTemplateName(file, {});
-    EXPECT_EQ(inspect(file).rows, std::vector<QStringList>{{"TableName"}});
-}
-
-TEST_F(TemplateUpdates, NeitherWriterCreatesAMissingFile)
-{
-    const QString file = path("absent.xlsx");
-    EXPECT_FALSE(VyExcelUtil::updateFieldsTemplateTableContent(field("a", "1"), file));
-    VyExcelUtil::updateTemplateName(file, {"a"});
-    EXPECT_EQ(QDir(m_dir.path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries), QStringList{});
+    EXPECT_FALSE(VyExcelUtil::updateFieldsTemplateTableContent({}, content));
+    EXPECT_EQ(inspect(content).sheets, QStringList{"Sheet1"});
+    EXPECT_TRUE(inspect(content).rows.empty());
+    // Neither writer creates a missing file, nor leaves one behind.
+    EXPECT_FALSE(VyExcelUtil::updateFieldsTemplateTableContent(field("a", "1"), path("absent.xlsx")));
+    VyExcelUtil::updateTemplateName(path("absent.xlsx"), {"a"});
+    EXPECT_EQ(QDir(m_dir.path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries),
+              QStringList({"book1.xlsx", "book2.xlsx"}));
 }
 
 TEST_F(TemplateUpdates, WhatTheReadersReturnWritesBackToTheSameList)

@@ -1,7 +1,5 @@
 #include "libtesting.h"
 
-#include "vygisutil.h"
-
 namespace {
 
 using WorkbookCreation = LibraryTest;
@@ -20,7 +18,6 @@ TEST_F(WorkbookCreation, CreateMakesABlankWorkbookAtThePathAsGivenWhereNoFileExi
     VyExcelUtil::createExcel(file);
     ASSERT_TRUE(QFile::exists(file));
     expectBlankWorkbook(file);
-
     const QString noExtension = path(QStringLiteral("book"));
     VyExcelUtil::createExcel(noExtension);
     EXPECT_TRUE(QFile::exists(noExtension));
@@ -28,16 +25,9 @@ TEST_F(WorkbookCreation, CreateMakesABlankWorkbookAtThePathAsGivenWhereNoFileExi
     const QString inMissingFolder = path(QStringLiteral("missing/book.xlsx"));
     VyExcelUtil::createExcel(inMissingFolder);
     EXPECT_FALSE(QFile::exists(inMissingFolder));
-}
-
-TEST_F(WorkbookCreation, CreateLeavesAnExistingFileAlone)
-{
-    QFile existing(path(QStringLiteral("notes.xlsx")));
-    ASSERT_TRUE(existing.open(QIODevice::WriteOnly));
-    existing.write("not a workbook at all");
-    existing.close();
-    VyExcelUtil::createExcel(existing.fileName());
-    EXPECT_EQ(bytesOf(existing.fileName()), QByteArray("not a workbook at all"));
+    const QString existing = fileWith("not a workbook at all");
+    VyExcelUtil::createExcel(existing);
+    EXPECT_EQ(bytesOf(existing), QByteArray("not a workbook at all"));
 }
 
 TEST_F(WorkbookCreation, ClearEmptiesAWorkbookOfSeveralSheetsButCreatesNothing)
