@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 using QXlsx::Format;
-using QXlsx::detail::DateKind;
 using QXlsx::detail::StyleTable;
 
 TEST(StyleTable, DefaultFormatIsIndexZeroAndEqualFormatsShareAnIndexUntilChanged)
@@ -45,20 +44,4 @@ TEST(StyleTable, DateTimeFlagsAndUnknownIndexes)
     EXPECT_FALSE(table.isDateTime(0));
     EXPECT_FALSE(table.isDateTime(999));
     EXPECT_TRUE(table.format(999).isEmpty());
-}
-
-TEST(StyleTable, DateFormatIsAddedOnlyWhenTheBaseHasNone)
-{
-    StyleTable table;
-    Format bordered;
-    bordered.setBorderStyle(Format::BorderThin);
-    const quint32 base = table.indexOf(bordered);
-    const quint32 dated = table.indexWithDateFormat(base, DateKind::Date);
-    EXPECT_EQ(table.format(dated).numberFormatIndex(), 14);
-    EXPECT_EQ(table.format(dated).leftBorderStyle(), Format::BorderThin);
-    EXPECT_EQ(table.indexWithDateFormat(base, DateKind::Date), dated);
-    EXPECT_EQ(table.format(table.indexWithDateFormat(0, DateKind::DateTime)).numberFormat(),
-              QStringLiteral("yyyy-mm-dd hh:mm:ss"));
-    EXPECT_TRUE(table.format(table.indexWithDateFormat(0, DateKind::Time)).isDateTimeFormat());
-    EXPECT_EQ(table.indexWithDateFormat(dated, DateKind::Time), dated);
 }

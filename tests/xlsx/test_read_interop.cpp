@@ -42,26 +42,17 @@ QString differences(const QString& path, const QJsonObject& expected)
     if (!sheet)
         return cells.isEmpty() ? QString() : QStringLiteral("no worksheet, openpyxl has %1 cells").arg(cells.size());
 
-    int seen = 0;
     for (const QJsonValue& entry : cells) {
         const QJsonArray e = entry.toArray();
-        const int row = e[0].toInt();
-        const int column = e[1].toInt();
-        const QString kind = e[2].toString();
-        const Cell* cell = sheet->cellAt(row, column);
+        const Cell* cell = sheet->cellAt(e[0].toInt(), e[1].toInt());
         const QVariant value = cell ? cell->value() : QVariant();
-        const QString where = CellReference(row, column).toString();
-        bool same = false;
-        if (kind == "n")
-            same = value.type() == QVariant::Double
-                && std::abs(value.toDouble() - e[3].toDouble()) <= 1e-9 * qMax(1.0, std::abs(e[3].toDouble()));
-        else if (kind == "b")
-            same = value.type() == QVariant::Bool && value.toBool() == e[3].toBool();
-        else
-            same = value.type() == QVariant::String && value.toString() == e[3].toString();
+        const QVariant want = e[3].toVariant();
+        const bool same = e[2].toString() == "n"
+            ? value.type() == QVariant::Double && std::abs(value.toDouble() - want.toDouble()) <= 1e-9 * qMax(1.0, std::abs(want.toDouble()))
+            : value.type() == (e[2].toString() == "b" ? QVariant::Bool : QVariant::String) && value == want;
         if (!same)
-            return QStringLiteral("%1: engine %2, openpyxl %3").arg(where, value.toString(), e[3].toVariant().toString());
-        ++seen;
+            return QStringLiteral("%1: engine %2, openpyxl %3").arg(CellReference(e[0].toInt(), e[1].toInt()).toString(),
+                                                                   value.toString(), want.toString());
     }
     // Nothing more than openpyxl found: count the engine's cells with values.
     int stored = 0;
@@ -71,8 +62,8 @@ QString differences(const QString& path, const QJsonObject& expected)
             for (int column = box.firstColumn(); column <= box.lastColumn(); ++column)
                 if (const Cell* cell = sheet->cellAt(row, column); cell && !cell->value().isNull())
                     ++stored;
-        if (stored != seen)
-            return QStringLiteral("engine has %1 cells with values, openpyxl %2").arg(stored).arg(seen);
+        if (stored != cells.size())
+            return QStringLiteral("engine has %1 cells with values, openpyxl %2").arg(stored).arg(cells.size());
     }
     return QString();
 }
