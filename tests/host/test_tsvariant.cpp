@@ -19,7 +19,7 @@ std::int32_t leadingCode(const TsVariant& value)
 }
 } // namespace
 
-TEST(TsVariantTest, EachKindCarriesItsCodeInTheFirst32Bits)
+TEST(TsVariantTest, EachKindCarriesItsCodeInTheFirst32BitsAndEqualityComparesCodeAndValue)
 {
     const TsVariant kinds[] = {TsVariant(), TsVariant::null(), true, TsVariant::fromInt16(3), std::int32_t{3},
                                std::int64_t{3}, TsVariant::fromDateTime(0), "text", 1.5, 1.5f};
@@ -27,6 +27,11 @@ TEST(TsVariantTest, EachKindCarriesItsCodeInTheFirst32Bits)
         EXPECT_EQ(leadingCode(kinds[code]), code);
         EXPECT_EQ(kinds[code].GetType(), code);
     }
+    // Equality compares code and value.
+    EXPECT_EQ(TsVariant(3.0), TsVariant(3.0));
+    EXPECT_NE(TsVariant(3.0), TsVariant(3.0f));
+    EXPECT_NE(TsVariant(std::int32_t{3}), TsVariant(std::int64_t{3}));
+    EXPECT_NE(TsVariant(), TsVariant::null());
 }
 
 TEST(TsVariantTest, ValuesReadAsDoublesAndRoundIntoInt64sWhenTheyFit)
@@ -59,12 +64,4 @@ TEST(TsVariantTest, EachKindPrintsItsValueAndFloatsTheShortestRoundTripText)
     };
     for (const auto& c : cases)
         EXPECT_EQ(c.value.ToString(), TsString(c.text)) << c.text;
-}
-
-TEST(TsVariantTest, EqualityComparesCodeAndValue)
-{
-    EXPECT_EQ(TsVariant(3.0), TsVariant(3.0));
-    EXPECT_NE(TsVariant(3.0), TsVariant(3.0f));
-    EXPECT_NE(TsVariant(std::int32_t{3}), TsVariant(std::int64_t{3}));
-    EXPECT_NE(TsVariant(), TsVariant::null());
 }

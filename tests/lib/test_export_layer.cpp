@@ -77,7 +77,7 @@ TEST_F(LayerExport, WritesWhatTheLayerFilterAdmitsAndNoRowWithoutACursor)
     EXPECT_EQ(SavedSheet(path("ID = 2")).rowTexts(3, 2), QStringList({"2", "Mill Rd"}));
 }
 
-TEST_F(LayerExport, RefusesWhatItCannotExportWithoutTouchingFiles)
+TEST_F(LayerExport, BothRefuseWhatTheyCannotExportWithoutTouchingFiles)
 {
     const auto layer = roads();
     const auto schemaless = roads();
@@ -93,6 +93,11 @@ TEST_F(LayerExport, RefusesWhatItCannotExportWithoutTouchingFiles)
     EXPECT_FALSE(VyExcelUtil::export2Excel(kept, schemaless.get(), false, {}));
     EXPECT_FALSE(VyExcelUtil::export2Excel(kept, layer.get(), false, {0, 1, 2}));
     EXPECT_FALSE(VyExcelUtil::export2Excel(kept, big.get(), false, {}));
+    EXPECT_FALSE(VyExcelUtil::export2ExcelHasXYZ(QString(), layer.get(), Names{"X"}, false, {}));
+    EXPECT_FALSE(VyExcelUtil::export2ExcelHasXYZ(kept, nullptr, Names{"X"}, false, {}));
+    EXPECT_FALSE(VyExcelUtil::export2ExcelHasXYZ(kept, schemaless.get(), Names{"X"}, false, {}));
+    EXPECT_FALSE(VyExcelUtil::export2ExcelHasXYZ(kept, layer.get(), Names{}, false, {}));
+    EXPECT_FALSE(VyExcelUtil::export2ExcelHasXYZ(kept, layer.get(), Names{"X"}, false, {0}));
     EXPECT_TRUE(keptIntact(kept));
 }
 
@@ -128,20 +133,6 @@ TEST_F(LayerExport, CoordinateColumnsFollowNamesCaseAliasesAndExclusions)
         ASSERT_TRUE(VyExcelUtil::export2ExcelHasXYZ(path(), layer.get(), c.names, c.alias, c.excluded));
         EXPECT_EQ(SavedSheet(path()).rowTexts(c.row, c.texts.size()), c.texts);
     }
-}
-
-TEST_F(LayerExport, CoordinatesRefuseWhatTheyCannotExportWithoutTouchingFiles)
-{
-    const auto layer = wells();
-    const auto schemaless = wells();
-    schemaless->SetFieldsAvailable(false);
-    const QString kept = existingFile();
-    EXPECT_FALSE(VyExcelUtil::export2ExcelHasXYZ(QString(), layer.get(), Names{"X"}, false, {}));
-    EXPECT_FALSE(VyExcelUtil::export2ExcelHasXYZ(kept, nullptr, Names{"X"}, false, {}));
-    EXPECT_FALSE(VyExcelUtil::export2ExcelHasXYZ(kept, schemaless.get(), Names{"X"}, false, {}));
-    EXPECT_FALSE(VyExcelUtil::export2ExcelHasXYZ(kept, layer.get(), Names{}, false, {}));
-    EXPECT_FALSE(VyExcelUtil::export2ExcelHasXYZ(kept, layer.get(), Names{"X"}, false, {0}));
-    EXPECT_TRUE(keptIntact(kept));
 }
 
 } // namespace

@@ -72,13 +72,11 @@ TEST_F(UniqueLayerName, NullMapOrLayerChangesNothing)
 
 TEST_F(UniqueLayerName, CountsTheLayerItselfAndHiddenLayers)
 {
-    const TsRefPtr<TsMap> map = mapWith({"roads-1"});
-    const TsRefPtr<TsLayer> hidden = layerNamed("roads");
+    const TsRefPtr<TsMap> map = mapWith({"roads-1", "roads"});
+    const TsRefPtr<TsLayer> hidden = map->GetLayers(true).back();
     hidden->SetVisible(false);
-    map->AddLayer(hidden);
     const TsRefPtr<TsLayer> layer = layerNamed("roads");
     map->AddLayer(layer);
-
     VyUniversalFunction::setLayerName(map.get(), layer);
     EXPECT_EQ(nameOf(layer), "roads-3");
     EXPECT_EQ(nameOf(hidden), "roads");

@@ -117,15 +117,12 @@ TsTopoError error(int number, int feature, int related, int layer, int relatedLa
 class TopologyReport : public ReportTest
 {
 protected:
-    TsRefPtr<TsMemoryTopology> check(bool attributeCheck, std::initializer_list<TsTopoError> errors)
+    void report(bool attributeCheck, std::initializer_list<TsTopoError> errors, int unreadable = -1)
     {
         const auto topology = TsRefPtr<TsMemoryTopology>::create(attributeCheck);
         for (const TsTopoError& e : errors)
             topology->AddError(e);
-        return topology;
-    }
-    void report(const TsRefPtr<TsMemoryTopology>& topology)
-    {
+        topology->MarkUnreadable(unreadable);
         ASSERT_TRUE(VyExcelUtil::exportExcelByTsTopology(path(), topology.get()));
         open(path());
     }
@@ -134,7 +131,7 @@ protected:
 TEST_F(TopologyReport, AnEmptyCheckGivesTheTranslatedHeaderInWideColumns)
 {
     MarkingTranslator translator;
-    report(check(false, {}));
+    report(false, {});
     EXPECT_EQ(row(1, 9), QStringList({"~Error type", "~Status", "~Number", "~Layer", "~Notes", "~Feature 1",
                                       "~Feature 2", "~coordinate", "~Related layer"}));
     for (int column = 1; column <= 9; ++column)
@@ -144,9 +141,7 @@ TEST_F(TopologyReport, AnEmptyCheckGivesTheTranslatedHeaderInWideColumns)
 
 TEST_F(TopologyReport, ErrorsFollowInIndexOrderAsTextAndAnUnreadableOneRepeatsTheRowBefore)
 {
-    const auto topology = check(false, {error(7, 3, 0, 1, 1), error(8, -2, 0, 1, 1), error(9, 4, 0, 1, 1)});
-    topology->MarkUnreadable(2);
-    report(topology);
+    report(false, {error(7, 3, 0, 1, 1), error(8, -2, 0, 1, 1), error(9, 4, 0, 1, 1)}, 2);
     EXPECT_EQ(row(2, 9), QStringList({"", "-", "7", "roads", "", "3", "", "12.5,40.25", "rivers"}));
     EXPECT_EQ(row(3, 6), QStringList({"", "-", "8", "roads", "", ""}));
     EXPECT_EQ(row(4, 9), row(3, 9));
@@ -154,17 +149,17 @@ TEST_F(TopologyReport, ErrorsFollowInIndexOrderAsTextAndAnUnreadableOneRepeatsTh
 
 TEST_F(TopologyReport, ErrorTypeIsShownForAnAttributeCheckOnly)
 {
-    report(check(true, {error(1, 0, 0, 1, 1), error(2, 0, 0, 1, 1, "")}));
+    report(true, {error(1, 0, 0, 1, 1), error(2, 0, 0, 1, 1, "")});
     EXPECT_EQ(m_book->read(2, 1), "name is empty");
     EXPECT_EQ(row(3, 1), QStringList({""}));
 }
 
 TEST_F(TopologyReport, FeatureTwoNamesOnlyAnotherFeature)
 {
-    report(check(false, {error(1, 5, 5, 2, 2),     // a feature against itself
-                         error(2, 5, 5, 2, 3),     // the same id on another layer
-                         error(3, 5, 6, 2, 2),     // another feature of the layer
-                         error(4, 5, 0, 2, 3)}));  // none
+    report(false, {error(1, 5, 5, 2, 2),     // a feature against itself
+                   error(2, 5, 5, 2, 3),     // the same id on another layer
+                   error(3, 5, 6, 2, 2),     // another feature of the layer
+                   error(4, 5, 0, 2, 3)});   // none
     EXPECT_EQ(QStringList({m_book->read(2, 7).toString(), m_book->read(3, 7).toString(),
                            m_book->read(4, 7).toString(), m_book->read(5, 7).toString()}),
               QStringList({"", "5", "6", ""}));
