@@ -219,16 +219,6 @@ QString scratchPath(const QString& name)
     return folder.filePath(name);
 }
 
-QString fileOf(const QByteArray& bytes)
-{
-    static int count = 0;
-    const QString path = scratchPath(QStringLiteral("package%1.xlsx").arg(++count));
-    QFile file(path);
-    file.open(QIODevice::WriteOnly);
-    file.write(bytes);
-    return path;
-}
-
 QString saved(const QXlsx::Document& document, const QString& name)
 {
     const QString path = scratchPath(name);
@@ -244,38 +234,12 @@ QByteArray entry(QXlsx::detail::ZipReader& zip, const QString& name, bool* compl
     return data;
 }
 
-namespace {
-
-// The package at path, and its archive opened when it is one.
-struct Package
-{
-    explicit Package(const QString& path)
-    {
-        QFile file(path);
-        if (file.open(QIODevice::ReadOnly))
-            bytes = file.readAll();
-        open = zip.open(bytes.constData(), bytes.size(), nullptr);
-    }
-    QByteArray bytes;
-    QXlsx::detail::ZipReader zip{QXlsx::detail::ReadLimits()};
-    bool open = false;
-};
-
-} // namespace
-
-QStringList entryNames(const QString& path)
-{
-    Package package(path);
-    QStringList names;
-    for (int i = 0; package.open && i < package.zip.entryCount(); ++i)
-        names << package.zip.entryName(i);
-    return names;
-}
-
 QByteArray entry(const QString& path, const QString& name)
 {
-    Package package(path);
-    return package.open ? entry(package.zip, name) : QByteArray();
+    QFile file(path);
+    const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    QXlsx::detail::ZipReader zip{QXlsx::detail::ReadLimits()};
+    return zip.open(bytes.constData(), bytes.size(), nullptr) ? entry(zip, name) : QByteArray();
 }
 
 namespace {

@@ -90,15 +90,12 @@ bool readModel(const QByteArray& bytes, QXlsx::detail::WorkbookData& book,
 
 // A path for a file named name in a folder that lives until the end of the test run.
 QString scratchPath(const QString& name);
-// The bytes written to a new file in that folder.
-QString fileOf(const QByteArray& bytes);
 // Saves document under name in the scratch folder; the path, or an empty text on failure.
 QString saved(const QXlsx::Document& document, const QString& name);
 
 // One entry of an archive read whole, or as far as the reader goes; complete tells which.
 QByteArray entry(QXlsx::detail::ZipReader& zip, const QString& name, bool* complete = nullptr);
-// The names of the entries of the package at path, and one entry's bytes.
-QStringList entryNames(const QString& path);
+// One entry of the package at path.
 QByteArray entry(const QString& path, const QString& name);
 
 // True when the interpreter with openpyxl, or LibreOffice, is there; the tests skip otherwise.

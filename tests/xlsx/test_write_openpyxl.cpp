@@ -28,20 +28,16 @@ QJsonObject sheetOf(const QJsonObject& dump, int index)
 
 } // namespace
 
-TEST(WriteOpenpyxl, ValuesOfEveryKindAndTextExactlyAsWritten)
+TEST(WriteOpenpyxl, ValuesOfEveryKindTextExactlyAsWrittenAndSheetsInOrder)
 {
     REQUIRE_OPENPYXL();
     const std::pair<QVariant, const char*> values[] = {
         {42, "42"}, {-1234.5678, "-1234.5678"}, {true, "true"}, {false, "false"},
         {QDate(2024, 2, 29), "2024-02-29T00:00:00"},
         {QDateTime(QDate(1999, 12, 31), QTime(23, 59, 30)), "1999-12-31T23:59:30"}, {QTime(6, 30), "06:30:00"}};
-    const QStringList texts = {
-        QStringLiteral("  leading and trailing  "), QStringLiteral("two\nlines"),
-        QStringLiteral("windows\r\nbreak"), QStringLiteral("tab\there"),
-        QString::fromUtf8("emoji \xF0\x9F\x98\x80 and CJK \xE4\xB8\xAD\xE6\x96\x87"),
-        QStringLiteral("_x0041_"), QStringLiteral("=1+1"), QStringLiteral("007"),
-        QStringLiteral("1234.5678"), QStringLiteral("http://example.com/a?b=1&c=2"),
-        QStringLiteral("TRUE"), QStringLiteral("<b>&amp;</b>"), QStringLiteral(" ")};
+    const QStringList texts = {"  leading and trailing  ", "two\nlines", "windows\r\nbreak", "tab\there",
+                               "emoji \xF0\x9F\x98\x80 and CJK \xE4\xB8\xAD\xE6\x96\x87", "_x0041_", "=1+1", "007",
+                               "1234.5678", "http://example.com/a?b=1&c=2", "TRUE", "<b>&amp;</b>", " "};
     const QString control = QStringLiteral("bell\x07 and \x01 start");
     Format grey;
     grey.setPatternBackgroundColor(QColor(192, 192, 192));
@@ -52,8 +48,21 @@ TEST(WriteOpenpyxl, ValuesOfEveryKindAndTextExactlyAsWritten)
         doc.write(i + 1, 2, texts[i]);
     doc.write("C1", control);
     doc.write("C2", QVariant(), grey);
+    // Sheets keep their order, names and the active tab.
+    const QString streets = QString::fromUtf8("Stra\xC3\x9F" "en & Wege");
+    doc.addSheet(streets);
+    doc.write(1, 1, 2);
+    doc.addSheet("Last");
+    doc.write(1, 1, 3);
+    doc.selectSheet(streets);
     const QString path = saved(doc, "values.xlsx");
     const QJsonObject dump = openpyxlDump(path);
+    ASSERT_EQ(dump.value("sheets").toArray().size(), 3);
+    EXPECT_EQ(str(sheetOf(dump, 0).value("title")), "Sheet1");
+    EXPECT_EQ(sheetOf(dump, 1).value("title").toString(), streets);
+    EXPECT_EQ(str(sheetOf(dump, 2).value("title")), "Last");
+    EXPECT_EQ(dumpedCell(dump, 2, "A1").value("value").toDouble(), 3);
+    EXPECT_EQ(dump.value("active").toInt(), 1);
 
     for (int i = 0; i < int(std::size(values)); ++i) {
         const QJsonValue value = dumpedCell(dump, 0, QStringLiteral("A%1").arg(i + 1)).value("value");
@@ -68,7 +77,9 @@ TEST(WriteOpenpyxl, ValuesOfEveryKindAndTextExactlyAsWritten)
     // Control characters are escaped, not invalid XML: openpyxl shows the escape itself,
     // as it does for the same text saved by Excel.
     EXPECT_EQ(str(dumpedCell(dump, 0, "C1").value("value")), "bell_x0007_ and _x0001_ start");
-    EXPECT_EQ(Document(path).read(1, 3).toString(), control);
+    Document reopened(path);
+    ASSERT_TRUE(reopened.selectSheet("Sheet1"));
+    EXPECT_EQ(reopened.read(1, 3).toString(), control);
     const QJsonObject blank = dumpedCell(dump, 0, "C2");
     EXPECT_TRUE(blank.value("value").isNull());
     EXPECT_EQ(str(blank.value("fillColor")), "FFC0C0C0");
@@ -112,26 +123,6 @@ TEST(WriteOpenpyxl, FormatsMergesAndSizes)
     EXPECT_EQ(sheet.value("rowHeights").toObject().value("2").toDouble(), 30);
     EXPECT_EQ(sheet.value("columnWidths").toObject().value("B").toDouble(), 25);
     EXPECT_TRUE(sheet.value("columnWidths").toObject().value("A").isUndefined());
-}
-
-TEST(WriteOpenpyxl, SheetsKeepTheirOrderNamesAndActiveTab)
-{
-    REQUIRE_OPENPYXL();
-    Document doc;
-    doc.write(1, 1, 1);
-    doc.addSheet(QString::fromUtf8("Stra\xC3\x9F" "en & Wege"));
-    doc.write(1, 1, 2);
-    doc.addSheet(QStringLiteral("Last"));
-    doc.write(1, 1, 3);
-    doc.selectSheet(QString::fromUtf8("Stra\xC3\x9F" "en & Wege"));
-    const QJsonObject dump = openpyxlDump(saved(doc, "sheets.xlsx"));
-
-    ASSERT_EQ(dump.value("sheets").toArray().size(), 3);
-    EXPECT_EQ(str(sheetOf(dump, 0).value("title")), "Sheet1");
-    EXPECT_EQ(sheetOf(dump, 1).value("title").toString(), QString::fromUtf8("Stra\xC3\x9F" "en & Wege"));
-    EXPECT_EQ(str(sheetOf(dump, 2).value("title")), "Last");
-    EXPECT_EQ(dumpedCell(dump, 2, "A1").value("value").toDouble(), 3);
-    EXPECT_EQ(dump.value("active").toInt(), 1);
 }
 
 TEST(WriteOpenpyxl, ALargeSheetIsAValidZipUpToTheLastCellOfTheGrid)
@@ -190,11 +181,11 @@ TEST(WriteOpenpyxl, TheStaleCalculationChainIsDropped)
     setPart(parts, "xl/_rels/workbook.xml.rels",
             relationships(relationship("s1", "worksheet", "worksheets/sheet1.xml")
                           + relationship("rId99", "calcChain", "calcChain.xml")));
-    Document doc(fileOf(zipOf(parts)));
-    doc.write("A1", 5);
-    const QString path = saved(doc, "calcchain.xlsx");
+    auto doc = openBytes(zipOf(parts));
+    doc->write("A1", 5);
+    const QString path = saved(*doc, "calcchain.xlsx");
 
-    EXPECT_FALSE(entryNames(path).join(' ').contains("calcChain", Qt::CaseInsensitive));
+    EXPECT_TRUE(entry(path, "xl/calcChain.xml").isEmpty());
     EXPECT_FALSE(entry(path, "xl/_rels/workbook.xml.rels").contains("calcChain"));
     EXPECT_FALSE(entry(path, "[Content_Types].xml").contains("calcChain"));
     EXPECT_TRUE(entry(path, "xl/worksheets/sheet1.xml").contains("<f>A1*2</f>"));

@@ -37,14 +37,6 @@ std::vector<size_t> positions(const std::string& xml, std::initializer_list<cons
     return at;
 }
 
-size_t occurrences(const std::string& text, const std::string& what)
-{
-    size_t n = 0;
-    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1))
-        ++n;
-    return n;
-}
-
 } // namespace
 
 TEST(WriteWorksheetPart, KeptElementsGoWhereTheFormatWantsThem)
@@ -104,7 +96,7 @@ TEST(WriteWorksheetPart, KeptRowAndColumnAttributesNeverDuplicateWrittenOnes)
 
     EXPECT_NE(xml.find("<row r=\"3\" ht=\"30\" customHeight=\"1\" x14ac:dyDescent=\"0.25\">"), std::string::npos) << xml;
     EXPECT_NE(xml.find("<col min=\"2\" max=\"2\" width=\"20\" customWidth=\"1\" outlineLevel=\"1\"/>"), std::string::npos) << xml;
-    EXPECT_EQ(occurrences(xml, "customHeight"), 1u);
+    EXPECT_EQ(xml.find("customHeight"), xml.rfind("customHeight"));
     EXPECT_EQ(xml.find("spans"), std::string::npos);
 }
 
