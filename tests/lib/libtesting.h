@@ -1,8 +1,9 @@
 #pragma once
 
 // Shared by the library's tests: a folder per test that fails the test when a host object
-// or reference outlives it, workbooks written cell by cell with the engine, and the real
-// programs (openpyxl, LibreOffice) that write and read workbooks beside the library.
+// or reference outlives it, workbooks written cell by cell with the engine, the style of a
+// cell as openpyxl names it, and the real programs (openpyxl, LibreOffice) that write and
+// read workbooks beside the library.
 
 #include "../host/hosttesting.h"   // ReferenceBalanceTest, shared with the host tests
 #include "vygisutil.h"
@@ -22,6 +23,24 @@
 inline void PrintTo(const QString& text, std::ostream* out)
 {
     *out << '"' << text.toStdString() << '"';
+}
+
+// A cell's style in the words of openpyxl: horizontal and vertical alignment, the colour
+// of a solid fill ("pattern" for another) and the left, right, top and bottom borders, ""
+// where there is none.
+inline QStringList styleOf(const QXlsx::Format& format)
+{
+    const auto centre = [](bool centred) { return centred ? QStringLiteral("center") : QString(); };
+    const auto thin = [](QXlsx::Format::BorderStyle style) {
+        return style == QXlsx::Format::BorderThin ? QStringLiteral("thin") : QString();
+    };
+    const bool solid = format.fillPattern() == QXlsx::Format::PatternSolid;
+    return {centre(format.horizontalAlignment() == QXlsx::Format::AlignHCenter),
+            centre(format.verticalAlignment() == QXlsx::Format::AlignVCenter),
+            solid ? "FF" + format.patternForegroundColor().name().mid(1).toUpper()
+                  : format.fillPattern() == QXlsx::Format::PatternNone ? QString() : QStringLiteral("pattern"),
+            thin(format.leftBorderStyle()), thin(format.rightBorderStyle()),
+            thin(format.topBorderStyle()), thin(format.bottomBorderStyle())};
 }
 
 class LibraryTest : public ReferenceBalanceTest

@@ -51,16 +51,8 @@ private:
 // Centred both ways with a thin border all round; header cells add a solid #cccccc fill.
 inline void expectStyled(const QXlsx::Format& format, bool greyHeader)
 {
-    EXPECT_EQ(format.horizontalAlignment(), QXlsx::Format::AlignHCenter);
-    EXPECT_EQ(format.verticalAlignment(), QXlsx::Format::AlignVCenter);
-    for (auto side : {format.leftBorderStyle(), format.rightBorderStyle(),
-                      format.topBorderStyle(), format.bottomBorderStyle()})
-        EXPECT_EQ(side, QXlsx::Format::BorderThin);
-    EXPECT_EQ(format.fillPattern(),
-              greyHeader ? QXlsx::Format::PatternSolid : QXlsx::Format::PatternNone);
-    if (greyHeader) {
-        EXPECT_EQ(format.patternForegroundColor().name(), "#cccccc");
-    }
+    EXPECT_EQ(styleOf(format), QStringList({"center", "center", greyHeader ? "FFCCCCCC" : "", "thin", "thin",
+                                            "thin", "thin"}));
 }
 
 // The title of a table export over its columns: merged, 30 points high, styled, with the

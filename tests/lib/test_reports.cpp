@@ -38,27 +38,19 @@ protected:
     void open(const QString& file) { m_book = std::make_unique<QXlsx::Document>(file); }
 
     // The texts of columns 1 to columns of row; "-" where no cell is stored, "?" for a
-    // cell that is not a centred, bordered text cell.
+    // cell that is not a centred text cell with a thin border all round.
     QStringList row(int number, int columns) const
     {
+        const QStringList centred{"center", "center", "", "thin", "thin", "thin", "thin"};
         QStringList texts;
         for (int column = 1; column <= columns; ++column) {
             const QXlsx::Cell* cell = m_book->cellAt(number, column);
             texts << (!cell ? QStringLiteral("-")
-                            : isCentredText(*cell) ? cell->value().toString()
-                                                   : QStringLiteral("?"));
+                            : cell->cellType() == QXlsx::Cell::StringType && styleOf(cell->format()) == centred
+                                  ? cell->value().toString()
+                                  : QStringLiteral("?"));
         }
         return texts;
-    }
-
-    static bool isCentredText(const QXlsx::Cell& cell)
-    {
-        const QXlsx::Format format = cell.format();
-        return cell.cellType() == QXlsx::Cell::StringType
-            && format.horizontalAlignment() == QXlsx::Format::AlignHCenter
-            && format.verticalAlignment() == QXlsx::Format::AlignVCenter
-            && format.leftBorderStyle() == QXlsx::Format::BorderThin
-            && format.bottomBorderStyle() == QXlsx::Format::BorderThin;
     }
 
     std::unique_ptr<QXlsx::Document> m_book;
