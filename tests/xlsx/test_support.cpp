@@ -15,7 +15,6 @@
 
 namespace xlsxtest {
 
-
 namespace {
 
 void put(QByteArray& out, quint32 value, int bytes)
@@ -210,8 +209,6 @@ bool readModel(const QByteArray& bytes, QXlsx::detail::WorkbookData& book, const
     buffer.open(QIODevice::ReadOnly);
     return QXlsx::detail::readPackage(buffer, book, nullptr, limits);
 }
-
-
 
 QString scratchPath(const QString& name)
 {

@@ -22,7 +22,6 @@
 
 namespace xlsxtest {
 
-
 using Parts = std::vector<std::pair<QString, QByteArray>>;
 
 // A zip written record by record, so that it can also hold what no zip library writes:
@@ -85,8 +84,6 @@ std::unique_ptr<QXlsx::Document> openBytes(const QByteArray& bytes);
 // The model the reader builds from the bytes, for what the API does not show.
 bool readModel(const QByteArray& bytes, QXlsx::detail::WorkbookData& book,
                const QXlsx::detail::ReadLimits& limits = QXlsx::detail::ReadLimits());
-
-
 
 // A path for a file named name in a folder that lives until the end of the test run.
 QString scratchPath(const QString& name);

@@ -1,12 +1,15 @@
-// Workbooks written by the engine, as openpyxl reads them.
+// Workbooks written by the engine, as openpyxl reads them and as LibreOffice converts
+// them to CSV. One soffice run converts every file of a test, since each start costs seconds.
 
 #include "test_support.h"
 
-#include "xlsxdocument.h"
-
 #include <gtest/gtest.h>
 
+#include <QDir>
+#include <QFile>
 #include <QJsonArray>
+#include <QMap>
+#include <QTemporaryDir>
 
 #include <iterator>
 
@@ -18,6 +21,22 @@ namespace {
 #define REQUIRE_OPENPYXL()                                                       \
     if (!haveOpenpyxl())                                                         \
         GTEST_SKIP() << "no Python with openpyxl at " VYGIS_PYTHON3
+
+// The CSV text LibreOffice makes of each sheet of each workbook, as "file/sheet" -> CSV.
+QMap<QString, QString> convertedToCsv(const QStringList& workbooks, QString* error)
+{
+    // With sheet -1 every sheet becomes a file of its own, "<workbook>-<sheet>.csv".
+    const QTemporaryDir out;
+    convertByOffice(workbooks, "csv:Text - txt - csv (StarCalc):44,34,76,1,,0,false,true,false,false,false,-1",
+                    out.path(), error);
+    QMap<QString, QString> csv;
+    for (const QFileInfo& info : QDir(out.path()).entryInfoList({"*.csv"})) {
+        QFile file(info.filePath());
+        file.open(QIODevice::ReadOnly);
+        csv.insert(info.completeBaseName().replace('-', '/'), QString::fromUtf8(file.readAll()));
+    }
+    return csv;
+}
 
 std::string str(const QJsonValue& v) { return v.toString().toStdString(); }
 
@@ -192,4 +211,43 @@ TEST(WriteOpenpyxl, TheStaleCalculationChainIsDropped)
     const QJsonObject dump = openpyxlDump(path);
     EXPECT_EQ(dumpedCell(dump, 0, "A1").value("value").toDouble(), 5);
     EXPECT_EQ(str(dumpedCell(dump, 0, "B1").value("value")), "=A1*2");
+}
+
+TEST(WriteLibreOffice, ConvertsWhatWasWrittenAndLeavesTextAsText)
+{
+    if (!haveOffice())
+        GTEST_SKIP() << "LibreOffice (soffice) not found";
+
+    Format centred;
+    centred.setHorizontalAlignment(Format::AlignHCenter);
+    centred.setBorderStyle(Format::BorderThin);
+    Format iso;
+    iso.setNumberFormat(QStringLiteral("yyyy-mm-dd"));
+    Document values;
+    values.write(1, 1, QStringLiteral("Layer_attribute table"), centred);
+    values.mergeCells(CellRange(1, 1, 1, 4), centred);
+    int column = 0;
+    for (const char* text : {"=1+1", "007", "1234.5678", "http://example.com"})
+        values.write(2, ++column, text, centred);
+    values.write(3, 1, 2.5);
+    values.write(3, 2, true);
+    values.write(3, 3, QDate(2024, 2, 29), iso);
+    values.write(3, 4, QString::fromUtf8("\xE4\xB8\xAD\xE6\x96\x87 \xF0\x9F\x98\x80"));
+
+    Document sheets;
+    sheets.write(1, 1, QStringLiteral("first"));
+    sheets.addSheet(QStringLiteral("Shown"));
+    sheets.write(1, 1, QStringLiteral("second, with comma"));
+    sheets.write(2, 2, 7);
+
+    QString error;
+    const QMap<QString, QString> csv =
+        convertedToCsv({saved(values, "values.xlsx"), saved(sheets, "sheets.xlsx")}, &error);
+    ASSERT_EQ(csv.size(), 3) << error.toStdString();
+    EXPECT_EQ(csv.value("values/Sheet1").toStdString(),
+              "Layer_attribute table,,,\n"
+              "=1+1,007,1234.5678,http://example.com\n"
+              "2.5,TRUE,2024-02-29," + std::string("\xE4\xB8\xAD\xE6\x96\x87 \xF0\x9F\x98\x80") + "\n");
+    EXPECT_EQ(csv.value("sheets/Sheet1").toStdString(), "first\n");
+    EXPECT_EQ(csv.value("sheets/Shown").toStdString(), "\"second, with comma\",\n,7\n");
 }
