@@ -22,8 +22,7 @@ public:
     std::string events;
     std::vector<QByteArray> captures;
     XmlScanner* scanner = nullptr;
-    ElementCapture capture;
-    std::string captureName;   // local name of the elements to capture
+    ElementCapture capture;   // of every <f>, as formulas are kept
 
     void startElement(const ScannedTag& tag) override
     {
@@ -33,7 +32,7 @@ public:
         events += tag.selfClosing ? "/>" : ">";
         if (capture.active())
             capture.start(tag);
-        else if (tag.name == captureName)
+        else if (tag.name == "f")
             capture.begin(tag, *scanner);
     }
     void endElement(std::string_view name, std::string_view qualifiedName, std::string_view) override
@@ -53,7 +52,7 @@ public:
 struct Scan
 {
     std::string events;
-    bool fed = true;
+    std::vector<QByteArray> captures;
     bool finished = false;
     QString error;
 };
@@ -64,13 +63,11 @@ Scan scanInChunks(const std::string& document, size_t chunkSize)
     Trace trace;
     XmlScanner scanner(trace);
     trace.scanner = &scanner;
-    Scan scan;
-    for (size_t at = 0; at < document.size() && scan.fed; at += chunkSize)
-        scan.fed = scanner.feed(document.data() + at, std::min(chunkSize, document.size() - at));
-    scan.finished = scan.fed && scanner.finish();
-    scan.events = trace.events;
-    scan.error = scanner.errorString();
-    return scan;
+    bool fed = true;
+    for (size_t at = 0; at < document.size() && fed; at += chunkSize)
+        fed = scanner.feed(document.data() + at, std::min(chunkSize, document.size() - at));
+    const bool finished = fed && scanner.finish();
+    return {trace.events, trace.captures, finished, scanner.errorString()};
 }
 
 const std::string Tricky =
@@ -110,19 +107,12 @@ TEST(ReadScanner, GivesTheSameEventsWhateverTheChunksWithReferencesCdataAndLineE
 
 TEST(ReadScanner, CapturesAnElementWithTheOuterDeclarationsItNeeds)
 {
-    Trace trace;
-    trace.captureName = "f";
-    XmlScanner scanner(trace);
-    trace.scanner = &scanner;
-    const std::string document =
+    const Scan scan = scanInChunks(
         "<x:worksheet xmlns:x=\"urn:main\" xmlns:y=\"urn:other\"><x:f y:a=\"1&amp;2\">A1&lt;B1</x:f>"
-        "<x:f xmlns:x=\"urn:own\" t=\"shared\" si=\"0\"/></x:worksheet>";
-    ASSERT_TRUE(scanner.feed(document.data(), document.size()));
-    ASSERT_TRUE(scanner.finish());
-    ASSERT_EQ(trace.captures.size(), 2u);
-    EXPECT_EQ(trace.captures[0],
-              QByteArray(R"(<x:f xmlns:x="urn:main" xmlns:y="urn:other" y:a="1&amp;2">A1&lt;B1</x:f>)"));
-    EXPECT_EQ(trace.captures[1], QByteArray(R"(<x:f xmlns:x="urn:own" t="shared" si="0"/>)"));
+        "<x:f xmlns:x=\"urn:own\" t=\"shared\" si=\"0\"/></x:worksheet>", 5);
+    ASSERT_TRUE(scan.finished);
+    EXPECT_EQ(scan.captures, (std::vector<QByteArray>{R"(<x:f xmlns:x="urn:main" xmlns:y="urn:other" y:a="1&amp;2">A1&lt;B1</x:f>)",
+                                                      R"(<x:f xmlns:x="urn:own" t="shared" si="0"/>)"}));
 }
 
 TEST(ReadScanner, StopsAtMalformedTextKeepingWhatCameBefore)
