@@ -1,3 +1,5 @@
+// Creating, clearing and reading whole workbooks.
+
 #include "libtesting.h"
 
 namespace {
@@ -41,6 +43,41 @@ TEST_F(WorkbookCreation, ClearEmptiesAWorkbookOfSeveralSheetsButCreatesNothing)
     expectBlankWorkbook(file);
     EXPECT_FALSE(VyExcelUtil::clearExcel(path(QStringLiteral("absent.xlsx"))));
     EXPECT_FALSE(QFile::exists(path(QStringLiteral("absent.xlsx"))));
+}
+
+using SheetReading = LibraryTest;
+using Rows = std::vector<QStringList>;
+
+TEST_F(SheetReading, GivesEveryRowFromA1AsTextsWithEmptyStringsWhereNoCellIs)
+{
+    const struct { QList<QVariantList> cells; Rows rows; } cases[] = {
+        {{{"A1", "B1", "C1"}, {"A2", QVariant(), "C2"}}, {{"A1", "B1", "C1"}, {"A2", "", "C2"}}},
+        {{{"top"}, {}, {QVariant(), "bottom"}}, {{"top", ""}, {"", ""}, {"", "bottom"}}},
+        {{{12.5, 3, true}}, {{"12.5", "3", "true"}}},   // the variant's text of a number
+        {{{}, {}, {QVariant(), "B3"}, {QVariant(), QVariant(), "C4"}},
+         {{"", "", ""}, {"", "", ""}, {"", "B3", ""}, {"", "", "C4"}}},
+    };
+    // Rows are appended behind what the vector held.
+    Rows read{QStringList{QStringLiteral("before")}};
+    for (const auto& c : cases) {
+        VyExcelUtil::getExcelData(rows(c.cells), read);
+        EXPECT_EQ(Rows(read.end() - c.rows.size(), read.end()), c.rows);
+    }
+    EXPECT_EQ(read.front(), QStringList{"before"});
+    EXPECT_EQ(read.size(), 11u);
+}
+
+TEST_F(SheetReading, NothingIsAppendedForMissingEmptyOrFarTooWideSheets)
+{
+    Rows read;
+    VyExcelUtil::getExcelData(path("absent.xlsx"), read);
+    VyExcelUtil::getExcelData(workbook([](QXlsx::Document& empty) { empty.addSheet(QStringLiteral("Sheet1")); }), read);
+    // A far-away stray cell must not exhaust memory.
+    VyExcelUtil::getExcelData(workbook([](QXlsx::Document& document) {
+        document.write(1, 1, QStringLiteral("data"));
+        document.write(1048576, 16384, QStringLiteral("stray"));
+    }), read);
+    EXPECT_TRUE(read.empty());
 }
 
 } // namespace
