@@ -53,6 +53,15 @@ protected:
         return texts;
     }
 
+    // The values of rows cells of the column from row 2 down, as texts.
+    QStringList column(int number, int rows) const
+    {
+        QStringList texts;
+        for (int r = 2; r < 2 + rows; ++r)
+            texts << m_book->read(r, number).toString();
+        return texts;
+    }
+
     std::unique_ptr<QXlsx::Document> m_book;
 };
 
@@ -152,9 +161,7 @@ TEST_F(TopologyReport, FeatureTwoNamesOnlyAnotherFeature)
                    error(2, 5, 5, 2, 3),     // the same id on another layer
                    error(3, 5, 6, 2, 2),     // another feature of the layer
                    error(4, 5, 0, 2, 3)});   // none
-    EXPECT_EQ(QStringList({m_book->read(2, 7).toString(), m_book->read(3, 7).toString(),
-                           m_book->read(4, 7).toString(), m_book->read(5, 7).toString()}),
-              QStringList({"", "5", "6", ""}));
+    EXPECT_EQ(column(7, 4), QStringList({"", "5", "6", ""}));
 }
 
 
@@ -232,13 +239,6 @@ protected:
     {
         ASSERT_TRUE(query(points, path()));
         open(path());
-    }
-    QStringList column(int number, int rows) const
-    {
-        QStringList texts;
-        for (int r = 2; r < 2 + rows; ++r)
-            texts << m_book->read(r, number).toString();
-        return texts;
     }
 
     const TsRefPtr<TsMemoryRaster> m_dem = TsRefPtr<TsMemoryRaster>::create(TsRect(0, 100, 0, 50), 4, 2);
