@@ -83,17 +83,12 @@ lines  </t></si><si><t>bell_x0007__x005F_x0041_</t></si><si><t>😀 ok</t></si>)
         EXPECT_EQ(doc->read(1, column), QVariant(texts[column - 1])) << column;
 }
 
-TEST(ReadWorkbook, PlacesCellsAndRowsWithoutReferencesAfterThePreviousOnes)
+TEST(ReadWorkbook, PlacesCellsWithoutReferencesAfterThePreviousOnesAndDropsCellsOutsideTheGrid)
 {
-    auto doc = openSheet(R"(<row r="3"><c r="B3"><v>1</v></c><c><v>2</v></c></row><row><c><v>3</v></c></row>)");
-    EXPECT_EQ(doc->read(3, 2), QVariant(1.0));
-    EXPECT_EQ(doc->read(3, 3), QVariant(2.0));
-    EXPECT_EQ(doc->read(4, 1), QVariant(3.0));
-    EXPECT_EQ(doc->dimension(), CellRange(3, 1, 4, 3));
-}
+    auto placed = openSheet(R"(<row r="3"><c r="B3"><v>1</v></c><c><v>2</v></c></row><row><c><v>3</v></c></row>)");
+    EXPECT_EQ((QVariantList{placed->read(3, 2), placed->read(3, 3), placed->read(4, 1)}), (QVariantList{1.0, 2.0, 3.0}));
+    EXPECT_EQ(placed->dimension(), CellRange(3, 1, 4, 3));
 
-TEST(ReadWorkbook, DropsCellsOutsideTheGridAndKeepsTheRest)
-{
     auto doc = openSheet(
         R"(<row r="1"><c r="A0"><v>1</v></c><c r="XFE1"><v>2</v></c><c r="A1"><v>3</v></c><c r="1A"><v>4</v></c></row>)"
         R"(<row r="1048577"><c r="A1048577"><v>5</v></c></row>)"
