@@ -7,7 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QBuffer>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -18,14 +17,6 @@ using namespace QXlsx;
 using namespace xlsxtest;
 
 namespace {
-
-QByteArray saved(const Document& doc)
-{
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    EXPECT_TRUE(doc.saveAs(&buffer));
-    return buffer.data();
-}
 
 // The empty workbook a document falls back to: one empty worksheet "Sheet1", and why.
 void expectEmptyWorkbook(const Document& doc, const char* what, bool givesReason = true)
@@ -239,10 +230,10 @@ TEST(ReadHostile, FollowsNoRelationshipThatLoopsOrLeavesThePackage)
     }
 
     // What was read saves and reads back the same, each sheet in a part of its own.
-    auto again = openBytes(saved(*doc));
-    EXPECT_EQ(again->sheetNames(), read);
-    ASSERT_TRUE(again->selectSheet("SharedAgain"));
-    EXPECT_EQ(again->read(1, 1), QVariant(1.0));
+    Document again(saved(*doc, "relationships.xlsx"));
+    EXPECT_EQ(again.sheetNames(), read);
+    ASSERT_TRUE(again.selectSheet("SharedAgain"));
+    EXPECT_EQ(again.read(1, 1), QVariant(1.0));
 }
 
 // Inputs on which the fuzz targets once failed, read as the targets read them, saved and
@@ -268,9 +259,9 @@ TEST(ReadHostile, EveryInputThatFuzzingOnceBrokeOpensReadsAndSaves)
                 for (int column = used.firstColumn(); column <= qMin(used.lastColumn(), used.firstColumn() + 100); ++column)
                     doc->read(row, column);
         }
-        auto again = openBytes(saved(*doc));
-        ASSERT_EQ(again->sheetNames(), doc->sheetNames());
+        const Document again(saved(*doc, "fuzz.xlsx"));
+        ASSERT_EQ(again.sheetNames(), doc->sheetNames());
         for (const QString& sheet : doc->sheetNames())
-            EXPECT_EQ(again->sheet(sheet)->sheetType(), doc->sheet(sheet)->sheetType()) << sheet.toStdString();
+            EXPECT_EQ(again.sheet(sheet)->sheetType(), doc->sheet(sheet)->sheetType()) << sheet.toStdString();
     }
 }
