@@ -125,8 +125,7 @@ QByteArray relationship(const QByteArray& id, const QByteArray& kind, const QByt
 
 QByteArray relationships(const QByteArray& items)
 {
-    return R"(<?xml version="1.0" encoding="UTF-8" standalone="yes"?>)"
-           R"(<Relationships xmlns="http://schemas.openxmlformats.org/package/2006/relationships">)" + items
+    return R"(<Relationships xmlns="http://schemas.openxmlformats.org/package/2006/relationships">)" + items
          + "</Relationships>";
 }
 
@@ -179,9 +178,9 @@ void setPart(Parts& parts, const QString& name, const QByteArray& data)
         parts.emplace_back(name, data);
 }
 
-QByteArray worksheet(const QByteArray& rows, const QByteArray& after)
+QByteArray worksheet(const QByteArray& rows)
 {
-    return "<worksheet " + Namespaces + "><sheetData>" + rows + "</sheetData>" + after + "</worksheet>";
+    return "<worksheet " + Namespaces + "><sheetData>" + rows + "</sheetData></worksheet>";
 }
 
 QByteArray numberRows(int count)
@@ -263,8 +262,7 @@ bool haveOpenpyxl()
     static const bool have = [] {
         QString error;
         return QFileInfo(QStringLiteral(VYGIS_PYTHON3)).isExecutable()
-               && runPython({QStringLiteral("-c"), QStringLiteral("import openpyxl")}, &error).isEmpty()
-               && error.isEmpty();
+               && runPython({"-c", "import openpyxl"}, &error).isEmpty() && error.isEmpty();
     }();
     return have;
 }

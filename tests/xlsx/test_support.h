@@ -74,8 +74,8 @@ Parts workbookParts(const QByteArray& sheetXml, const QByteArray& sharedStringsX
 // Replaces or adds one part.
 void setPart(Parts& parts, const QString& name, const QByteArray& data);
 
-// A <worksheet> whose sheetData holds rows, followed by the elements in after.
-QByteArray worksheet(const QByteArray& rows, const QByteArray& after = {});
+// A <worksheet> whose sheetData holds rows.
+QByteArray worksheet(const QByteArray& rows);
 // Rows 1 to count, each holding its number in column A.
 QByteArray numberRows(int count);
 
