@@ -5,7 +5,7 @@
 // cell as openpyxl names it, and the real programs (openpyxl, LibreOffice) that write and
 // read workbooks beside the library.
 
-#include "../host/hosttesting.h"   // ReferenceBalanceTest, shared with the host tests
+#include "test_reference_balance.h"
 #include "vygisutil.h"
 #include "xlsxdocument.h"
 
