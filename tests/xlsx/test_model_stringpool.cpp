@@ -1,5 +1,7 @@
 #include "model/stringpool.h"
 
+#include <QStringList>
+
 #include <gtest/gtest.h>
 
 using QXlsx::detail::StringPool;
@@ -22,12 +24,8 @@ TEST(StringPool, EqualTextsShareOneEntryUntilCleared)
 TEST(StringPool, KeepsTextExactly)
 {
     StringPool pool;
-    const QString texts[] = {
-        QString(), QStringLiteral("  padded  "), QStringLiteral("line\nbreak\r\n"),
-        QString::fromUtf8("\xF0\x9F\x98\x80 emoji"), QString::fromUtf8("\xE4\xB8\xAD\xE6\x96\x87"),
-        QStringLiteral("_x0041_ stays"), QString(QChar(1)) + QChar(0x1F), QStringLiteral("caf\u00e9"),
-    };
-    for (const QString& text : texts)
+    for (const QString& text : QStringList{QString(), "  padded  ", "line\nbreak\r\n", "\xF0\x9F\x98\x80 emoji",
+                                           "\xE4\xB8\xAD\xE6\x96\x87", "_x0041_ stays", "\x01\x1F", "caf\u00e9"})
         EXPECT_EQ(pool.text(pool.add(text)), text);
     // Case and a lone character differ from their neighbours.
     EXPECT_NE(pool.add(u"a"), pool.add(u"A"));
