@@ -31,7 +31,8 @@ class RawZip
 public:
     // An entry of the bytes, deflated or stored.
     void add(const QString& name, const QByteArray& bytes, bool deflated = true);
-    // An entry whose data is the raw deflate stream as given, said to inflate to size bytes.
+    // An entry whose data is the raw deflate stream as given, said to inflate to size bytes;
+    // its checksum is left at zero, for streams no reader is meant to finish.
     void addStream(const QString& name, const QByteArray& stream, quint32 size);
     // One more directory entry for the local file of another entry.
     void addAlias(const QString& alias, const QString& of);
