@@ -103,25 +103,13 @@ TEST(ReadWorkbook, PlacesCellsWithoutReferencesAfterThePreviousOnesAndDropsCells
     EXPECT_EQ(stored, 2);
 }
 
-TEST(ReadWorkbook, IgnoresStyleAndStringIndexesThatPointNowhere)
+TEST(ReadWorkbook, ReadsCellFormatsIgnoringStyleAndStringIndexesThatPointNowhere)
 {
     auto doc = openSheet(
-        R"(<row r="1"><c r="A1" s="-1"><v>1</v></c><c r="B1" s="99999999999"><v>2</v></c><c r="C1" s="4"><v>3</v></c>)"
-        R"(<c r="D1" t="s"><v>5</v></c><c r="E1" t="s"><v>-1</v></c><c r="F1" t="s"><v>99999999999999999999</v></c></row>)",
+        R"(<row r="1"><c r="A1" s="1" t="inlineStr"><is><t>x</t></is></c><c r="B1" s="0"><v>1</v></c></row>)"
+        R"(<row r="2"><c r="A2" s="-1"><v>1</v></c><c r="B2" s="99999999999"><v>2</v></c><c r="C2" s="4"><v>3</v></c>)"
+        R"(<c r="D2" t="s"><v>5</v></c><c r="E2" t="s"><v>-1</v></c><c r="F2" t="s"><v>99999999999999999999</v></c></row>)",
         sst("<si><t>only</t></si>"), Styles);
-    EXPECT_TRUE(doc->cellAt(1, 1)->format().isEmpty());
-    EXPECT_TRUE(doc->cellAt(1, 2)->format().isEmpty());
-    EXPECT_EQ(doc->cellAt(1, 3)->format().numberFormat(), QStringLiteral("0.000\"h\""));
-    for (int column = 4; column <= 6; ++column) {
-        ASSERT_NE(doc->cellAt(1, column), nullptr);
-        EXPECT_TRUE(doc->read(1, column).isNull());
-    }
-}
-
-TEST(ReadWorkbook, ReadsCellFormats)
-{
-    auto doc = openSheet(R"(<row r="1"><c r="A1" s="1" t="inlineStr"><is><t>x</t></is></c><c r="B1" s="0"><v>1</v></c></row>)",
-                         {}, Styles);
     const Format format = doc->cellAt(1, 1)->format();
     EXPECT_TRUE(format.fontBold());
     EXPECT_EQ(format.fontSize(), 12.0);
@@ -134,7 +122,13 @@ TEST(ReadWorkbook, ReadsCellFormats)
     EXPECT_EQ(format.bottomBorderColor(), QColor(0, 0, 255));
     EXPECT_EQ(format.fillPattern(), Format::PatternSolid);
     EXPECT_EQ(format.patternForegroundColor(), QColor(255, 255, 0));
-    EXPECT_TRUE(doc->cellAt(1, 2)->format().isEmpty());
+    for (const auto& [row, column] : {std::make_pair(1, 2), {2, 1}, {2, 2}})
+        EXPECT_TRUE(doc->cellAt(row, column)->format().isEmpty()) << row << "," << column;
+    EXPECT_EQ(doc->cellAt(2, 3)->format().numberFormat(), QStringLiteral("0.000\"h\""));
+    for (int column = 4; column <= 6; ++column) {
+        ASSERT_NE(doc->cellAt(2, column), nullptr);
+        EXPECT_TRUE(doc->read(2, column).isNull());
+    }
 }
 
 TEST(ReadWorkbook, RecognisesDateFormatsIsoDateCellsAndTheDateSystem)
