@@ -2,6 +2,8 @@
 
 #include "vyapplication.h"
 
+#include "common/fixedpointtext.h"
+
 #include <QLocale>
 
 #include <algorithm>
@@ -12,17 +14,24 @@ namespace {
 const int MaximumPrecision = 15;
 const double ShortestFormThreshold = 1e15;
 
-QString withoutTrailingZeros(QString text)
+// At most `decimals` decimals: the fixed-point text without its trailing zeros.
+QString fixedText(double value, int decimals)
 {
-    if (!text.contains(QLatin1Char('.')))
-        return text;
-    int end = text.size();
-    while (text.at(end - 1) == QLatin1Char('0'))
-        --end;
-    if (text.at(end - 1) == QLatin1Char('.'))
-        --end;
-    text.truncate(end);
-    return text;
+    // Below the shortest-form threshold: at most 15 integer digits, a sign, a point and
+    // 15 decimals.
+    char text[40];
+    const char* last = vygis::appendFixedPointText(text, text + sizeof text, value, decimals);
+    if (!last)
+        return QString::number(value, 'f', decimals);
+    if (std::find(static_cast<const char*>(text), last, '.') != last) {
+        while (last[-1] == '0')
+            --last;
+        if (last[-1] == '.')
+            --last;
+    }
+    if (last - text == 2 && text[0] == '-' && text[1] == '0')
+        return QStringLiteral("0");
+    return QString::fromLatin1(text, int(last - text));
 }
 
 } // namespace
@@ -36,8 +45,5 @@ QString VyApplication::doubleToQString(double value, int precision)
     if (std::fabs(value) >= ShortestFormThreshold)
         return QString::number(value, 'g', QLocale::FloatingPointShortest);
     const int decimals = std::clamp(precision, 0, MaximumPrecision);
-    QString text = withoutTrailingZeros(QString::number(value, 'f', decimals));
-    if (text == QLatin1String("-0"))
-        text = QStringLiteral("0");
-    return text;
+    return fixedText(value, decimals);
 }

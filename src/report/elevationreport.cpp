@@ -1,6 +1,7 @@
 #include "vygisutil.h"
 
 #include "report/reportsheet.h"
+#include "common/fixedpointtext.h"
 #include "workbook/conventions.h"
 
 #include "tsraster.h"
@@ -43,17 +44,9 @@ int cellIndex(double offset, double cellSize, double span)
                                                    : std::numeric_limits<int>::max();
 }
 
-// The digits QString::number(value, 'f', 4) gives, written after out; null when they do
-// not fit before end. Both round the exact binary value, so the texts agree; Qt's road
-// through its locale code costs more than writing the cell, for three numbers a point.
 char* appendFixed4(char* out, char* end, double value)
 {
-    if (!std::isfinite(value))
-        return nullptr;
-    // Qt writes zero without a sign, also -0.
-    const auto [last, error] = std::to_chars(out, end, value == 0.0 ? 0.0 : value,
-                                             std::chars_format::fixed, 4);
-    return error == std::errc() ? last : nullptr;
+    return vygis::appendFixedPointText(out, end, value, 4);
 }
 
 QString fixed4Text(double value)

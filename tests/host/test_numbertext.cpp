@@ -1,9 +1,13 @@
 #include "vyapplication.h"
 
+#include "common/fixedpointtext.h"
+
 #include <gtest/gtest.h>
 
 #include <QLocale>
 
+#include <cmath>
+#include <cstdint>
 #include <limits>
 
 TEST(DoubleToQStringTest, RoundsToThePrecisionWithoutTrailingZerosOrNegativeZero)
@@ -31,4 +35,29 @@ TEST(DoubleToQStringTest, IgnoresTheLocale)
     const QString german = VyApplication::doubleToQString(12345.5, 8);
     QLocale::setDefault(previous);
     EXPECT_EQ(german, QStringLiteral("12345.5"));
+}
+
+TEST(FixedPointTextTest, GivesTheDigitsOfQtsFixedPointFormatting)
+{
+    const auto check = [](double value, int decimals) {
+        char text[64];
+        const char* last = vygis::appendFixedPointText(text, text + sizeof text, value, decimals);
+        ASSERT_NE(last, nullptr);
+        ASSERT_EQ(QString::fromLatin1(text, int(last - text)), QString::number(value, 'f', decimals))
+            << value << " at " << decimals;
+    };
+    // Exactly halfway, where rounding to even and away from zero part ways.
+    for (const double tie : {0.125, -0.125, 2.5, 0.03125, 1234.09375, -7.5})
+        for (int decimals = 0; decimals < 6; ++decimals)
+            check(tie, decimals);
+    check(-0.0, 4);
+    check(-0.00001, 4);
+    std::uint64_t state = 12345;   // a fixed sequence, so that a failure repeats
+    for (int i = 0; i < 200000; ++i) {
+        state = state * 6364136223846793005ULL + 1442695040888963407ULL;
+        const double mantissa = double(state >> 11) / double(1ULL << 53) - 0.5;
+        const double value = std::ldexp(mantissa, int(state % 90) - 40);   // about 1e-13 to 1e12
+        check(value, int((state >> 7) % 16));
+        check(std::ldexp(std::round(value * 64.0), -6), int((state >> 7) % 8));   // many ties
+    }
 }
