@@ -20,6 +20,52 @@ QString nonFiniteText(double value)
     return value < 0 ? QStringLiteral("-inf") : QStringLiteral("inf");
 }
 
+// "yyyy-MM-dd HH:mm:ss" of a UTC time, the text QDateTime::toString gives for that
+// pattern, written directly: Qt parses the pattern again for every value, and exports
+// print a date in every row. Years outside 1 to 9999 are left to Qt.
+QString dateTimeText(std::int64_t msecsSinceEpoch)
+{
+    const std::int64_t msecsPerDay = 86400000;
+    std::int64_t days = msecsSinceEpoch / msecsPerDay;
+    std::int64_t msecs = msecsSinceEpoch % msecsPerDay;
+    if (msecs < 0) {
+        msecs += msecsPerDay;
+        --days;
+    }
+    // Civil date of a day count since 1970-01-01, in 400-year eras of 146,097 days
+    // beginning on 1 March, so that the leap day falls at the end of a year.
+    const std::int64_t shifted = days + 719468;
+    const std::int64_t era = (shifted >= 0 ? shifted : shifted - 146096) / 146097;
+    const std::int64_t dayOfEra = shifted - era * 146097;
+    const std::int64_t yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524
+                                    - dayOfEra / 146096) / 365;
+    const std::int64_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+    const std::int64_t monthFromMarch = (5 * dayOfYear + 2) / 153;
+    const int day = int(dayOfYear - (153 * monthFromMarch + 2) / 5 + 1);
+    const int month = int(monthFromMarch < 10 ? monthFromMarch + 3 : monthFromMarch - 9);
+    const std::int64_t year = yearOfEra + era * 400 + (month <= 2 ? 1 : 0);
+    if (year < 1 || year > 9999) {
+        return QDateTime::fromMSecsSinceEpoch(msecsSinceEpoch, Qt::UTC)
+            .toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+    }
+    const int seconds = int(msecs / 1000);
+    char text[19];
+    const auto put = [&text](int at, int value, int width) {
+        for (int i = at + width - 1; i >= at; --i, value /= 10)
+            text[i] = char('0' + value % 10);
+    };
+    put(0, int(year), 4);
+    put(5, month, 2);
+    put(8, day, 2);
+    put(11, seconds / 3600, 2);
+    put(14, seconds / 60 % 60, 2);
+    put(17, seconds % 60, 2);
+    text[4] = text[7] = '-';
+    text[10] = ' ';
+    text[13] = text[16] = ':';
+    return QString::fromLatin1(text, int(sizeof text));
+}
+
 QString shortestDoubleText(double value)
 {
     if (!std::isfinite(value))
@@ -136,8 +182,7 @@ TsString TsVariant::ToString() const
     case Int16Type: case Int32Type: case Int64Type:
         return toTsString(QString::number(static_cast<qlonglong>(m_integer)));
     case DateTimeType:
-        return toTsString(QDateTime::fromMSecsSinceEpoch(m_integer, Qt::UTC)
-                               .toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")));
+        return toTsString(dateTimeText(m_integer));
     case StringType:
         return m_text;
     case DoubleType:

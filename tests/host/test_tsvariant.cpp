@@ -6,6 +6,7 @@
 #include <cstring>
 #include <limits>
 #include <type_traits>
+#include <vector>
 
 using namespace VyObjects;
 
@@ -64,4 +65,27 @@ TEST(TsVariantTest, EachKindPrintsItsValueAndFloatsTheShortestRoundTripText)
     };
     for (const auto& c : cases)
         EXPECT_EQ(c.value.ToString(), TsString(c.text)) << c.text;
+}
+
+TEST(TsVariantTest, DatesPrintAsQtPrintsThem)
+{
+    const auto qtText = [](qint64 msecs) {
+        return QDateTime::fromMSecsSinceEpoch(msecs, Qt::UTC)
+            .toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")).toStdString();
+    };
+    const auto dayStart = [](int year, int month, int day) {
+        return QDateTime(QDate(year, month, day), QTime(0, 0), Qt::UTC).toMSecsSinceEpoch();
+    };
+    std::vector<qint64> moments = {0, -1, 999, -86400000, dayStart(2000, 2, 29),
+                                   dayStart(1900, 3, 1) - 1, dayStart(1, 1, 1),
+                                   dayStart(1, 1, 1) - 1, dayStart(9999, 12, 31) + 86399999,
+                                   dayStart(10000, 1, 1), dayStart(-5, 6, 7)};
+    const qint64 first = dayStart(1, 1, 1), span = dayStart(10000, 1, 1) - first;
+    std::uint64_t state = 2024;   // a fixed sequence, so that a failure repeats
+    for (int i = 0; i < 20000; ++i) {
+        state = state * 6364136223846793005ULL + 1442695040888963407ULL;
+        moments.push_back(first + qint64((state >> 1) % std::uint64_t(span)));
+    }
+    for (const qint64 msecs : moments)
+        ASSERT_EQ(TsVariant::fromDateTime(msecs).ToString().toUtf8(), qtText(msecs)) << msecs;
 }
