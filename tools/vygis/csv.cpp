@@ -24,23 +24,7 @@ QString quotedField(const QString& field)
     return QLatin1Char('"') + quoted + QLatin1Char('"');
 }
 
-QString csvField(const QString& field)
-{
-    return needsQuotes(field) ? quotedField(field) : field;
-}
-
-} // namespace
-
-QString csvLine(const QStringList& fields)
-{
-    QStringList quoted;
-    quoted.reserve(fields.size());
-    for (const QString& field : fields)
-        quoted.append(csvField(field));
-    return quoted.join(QLatin1Char(','));
-}
-
-void writeCsvLine(QTextStream& out, const QStringList& fields)
+void writeCsvFields(QTextStream& out, const QStringList& fields)
 {
     for (int i = 0; i < fields.size(); ++i) {
         if (i > 0)
@@ -50,6 +34,22 @@ void writeCsvLine(QTextStream& out, const QStringList& fields)
         else
             out << fields[i];
     }
+}
+
+} // namespace
+
+QString csvLine(const QStringList& fields)
+{
+    QString line;
+    QTextStream out(&line);
+    writeCsvFields(out, fields);
+    out.flush();
+    return line;
+}
+
+void writeCsvLine(QTextStream& out, const QStringList& fields)
+{
+    writeCsvFields(out, fields);
     out << '\n';
 }
 
