@@ -20,6 +20,12 @@ long long cellIndex(double position)
 
 } // namespace
 
+// A NaN no-data value marks its cells as NaN, which no comparison finds.
+bool TsMemoryRaster::holdsNoValue(double value) const
+{
+    return value == m_noData || std::isnan(value);
+}
+
 TsMemoryRaster::TsMemoryRaster(const TsRect& extent, int columns, int rows, double noDataValue)
     : m_extent(extent),
       m_columns(std::max(columns, 1)),
@@ -70,19 +76,21 @@ bool TsMemoryRaster::ReadPixelBlock(TsPoint cell, TsPixelBlock* block, int level
     const long long left = cellIndex(cell.x);
     const long long top = cellIndex(cell.y);
     const TsSize size = block->GetSize();
-    bool anyInside = false;
+    bool anyValue = false;
     for (int row = 0; row < size.height; ++row) {
         for (int column = 0; column < size.width; ++column) {
             const long long x = left + column;
             const long long y = top + row;
             if (x < 0 || x >= m_columns || y < 0 || y >= m_rows)
                 continue;
-            block->SetPixelValue(1, column, row,
-                                 m_values[static_cast<std::size_t>(y * m_columns + x)]);
-            anyInside = true;
+            const double value = m_values[static_cast<std::size_t>(y * m_columns + x)];
+            if (holdsNoValue(value))
+                continue;
+            block->SetPixelValue(1, column, row, value);
+            anyValue = true;
         }
     }
-    return anyInside;
+    return anyValue;
 }
 
 } // namespace VyObjects

@@ -10,6 +10,7 @@ namespace VyObjects {
 
 // A one-band grid of doubles spread evenly over an extent, such as a small
 // elevation model. Values are given row by row from the top (maximum y).
+// Cells holding the no-data value (or NaN) hold no value.
 class VYGIS_HOST_EXPORT TsMemoryRaster : public TsRasterProps
 {
 public:
@@ -37,6 +38,8 @@ protected:
     ~TsMemoryRaster() override;
 
 private:
+    bool holdsNoValue(double value) const;
+
     TsRect m_extent;
     int m_columns;
     int m_rows;

@@ -53,9 +53,11 @@ public:
     virtual TsRefPtr<TsPixelBlock> CreatePixelBlock(const TsSize& size) const = 0;
     // Fills block with the cells whose top left is cell (column, row; the
     // fractions are dropped toward minus infinity) at overview level 0, the
-    // full resolution. Cells outside the raster become no-data. Returns
-    // false, with block all no-data, when no cell of it lies inside the
-    // raster, for a null block or for a level the raster does not have.
+    // full resolution. Cells outside the raster, and cells that hold no
+    // value, become no-data. Returns false, with block all no-data, when no
+    // cell of it holds a value (none lies inside the raster, or each one
+    // inside is a no-data cell), for a null block or for a level the raster
+    // does not have.
     virtual bool ReadPixelBlock(TsPoint cell, TsPixelBlock* block, int level) const = 0;
 
 protected:

@@ -72,3 +72,16 @@ TEST_F(RasterTest, RefusesMissingBlocksLevelsAndSizesAndIndexesOutsideTheBlockGi
     EXPECT_TRUE(raster->CreatePixelBlock(TsSize(0, 1)).isNull());
     EXPECT_TRUE(raster->CreatePixelBlock(TsSize(1, -1)).isNull());
 }
+
+TEST_F(RasterTest, CellsHoldingTheNoDataValueOrNaNHoldNoValue)
+{
+    raster->SetValue(1, 0, TsMemoryRaster::DefaultNoData);
+    raster->SetValue(2, 0, std::numeric_limits<double>::quiet_NaN());
+    for (const double column : {1.0, 2.0}) {
+        bool read = true;
+        EXPECT_EQ(readCell(column, 0, &read), TsMemoryRaster::DefaultNoData) << column;
+        EXPECT_FALSE(read) << column;
+    }
+    const TsRefPtr<TsPixelBlock> wide = raster->CreatePixelBlock(TsSize(2, 1));
+    EXPECT_TRUE(raster->ReadPixelBlock(TsPoint(0, 0), wide.get(), 0)) << "one cell holds a value";
+}

@@ -82,7 +82,10 @@ public:
     int rasterBandCount() const;
 
     // A layer by name (the first layer when name is empty); null with *error
-    // set when the layer is missing or is not spatial / not a table.
+    // set when the layer is missing or, for a feature layer, is not spatial.
+    // A table is the attribute view of any layer, spatial or not. In a CSV
+    // file, columns named like coordinates also make points; in a source
+    // opened read-only they stay fields too.
     TsRefPtr<TsFeatureLayer> featureLayer(const QString& name, QString* error) const;
     TsRefPtr<TsTable> table(const QString& name, QString* error) const;
     // A band of a raster data source (1-based).

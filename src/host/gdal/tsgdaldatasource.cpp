@@ -41,15 +41,19 @@ bool isCsv(const QString& path)
 
 // Text files of points open as point layers when their columns are named
 // like coordinates (the columns CSV point layers are written with among
-// them), and as tables otherwise.
-CPLStringList openOptionsFor(const QString& path)
+// them), and as tables otherwise. Read, the coordinate columns stay fields
+// as well: they are the file's data, which an export of the layer or its
+// table must show whole. Opened for update they stay the points' alone: the
+// driver writes those columns from the points, so a change made to them as
+// fields would be reported as done and then lost.
+CPLStringList openOptionsFor(const QString& path, TsGdalDataSource::OpenMode mode)
 {
     CPLStringList options;
     if (isCsv(path)) {
         options.SetNameValue("X_POSSIBLE_NAMES", "X,LON,LONG,LONGITUDE,EASTING");
         options.SetNameValue("Y_POSSIBLE_NAMES", "Y,LAT,LATITUDE,NORTHING");
         options.SetNameValue("Z_POSSIBLE_NAMES", "Z,HEIGHT,ELEVATION");
-        options.SetNameValue("KEEP_GEOM_COLUMNS", "NO");
+        options.SetNameValue("KEEP_GEOM_COLUMNS", mode == TsGdalDataSource::ReadOnly ? "YES" : "NO");
     }
     return options;
 }
@@ -153,7 +157,7 @@ TsRefPtr<TsGdalDataSource> TsGdalDataSource::open(const QString& path, OpenMode 
         return nullptr;
     }
     TsGdalErrorTrap trap;
-    const CPLStringList options = openOptionsFor(path);
+    const CPLStringList options = openOptionsFor(path, mode);
     auto* dataset = static_cast<GDALDataset*>(GDALOpenEx(
         path.toUtf8().constData(), openFlagsFor(path, mode), nullptr, options.List(), nullptr));
     if (!dataset) {
@@ -256,14 +260,10 @@ TsRefPtr<TsFeatureLayer> TsGdalDataSource::featureLayer(const QString& name, QSt
 
 TsRefPtr<TsTable> TsGdalDataSource::table(const QString& name, QString* error) const
 {
+    // Any layer's attributes make a table; the shapes of a spatial one are left out.
     OGRLayer* layer = findLayer(*this, name, error);
     if (!layer)
         return nullptr;
-    if (layer->GetGeomType() != wkbNone) {
-        setError(error, layerPlace(*this, *layer)
-                            + QStringLiteral(": has geometry, so it opens as a feature layer, not a table"));
-        return nullptr;
-    }
     return makeGdalTable(TsRefPtr<TsGdalDataSource>(const_cast<TsGdalDataSource*>(this)), layer);
 }
 

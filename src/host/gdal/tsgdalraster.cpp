@@ -1,10 +1,13 @@
 // Raster properties over one band of a GDAL raster. The host counts rows from
 // the top (maximum y) edge; a grid stored from the bottom up is turned over.
+// Cells the band marks as holding no value (its no-data value, a mask or an
+// alpha band) read as the block's no-data value, whatever number they store.
 
 #include "tsgdal_p.h"
 
 #include <cmath>
 #include <limits>
+#include <vector>
 
 namespace VyObjects {
 
@@ -19,6 +22,24 @@ long long cellIndex(double position)
         return std::numeric_limits<int>::min();
     const double limit = static_cast<double>(std::numeric_limits<int>::max());
     return static_cast<long long>(std::clamp(std::floor(position), -limit, limit));
+}
+
+// Which cells of a window hold a value, as GDAL's mask of the band gives them
+// (0: no value), stored rows in stored order. Left empty for a band whose
+// cells all hold values, the common case that needs no second read.
+bool readValidity(GDALRasterBand& band, int column, int row, int width, int height,
+                  std::vector<GByte>& valid)
+{
+    valid.clear();
+    if (band.GetMaskFlags() & GMF_ALL_VALID)
+        return true;
+    GDALRasterBand* mask = band.GetMaskBand();
+    if (!mask)
+        return true;
+    valid.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+    return mask->RasterIO(GF_Read, column, row, width, height, valid.data(), width, height,
+                          GDT_Byte, 0, 0, nullptr)
+        == CE_None;
 }
 
 class TsGdalRaster : public TsRasterProps
@@ -96,21 +117,31 @@ bool TsGdalRaster::ReadPixelBlock(TsPoint cell, TsPixelBlock* block, int level) 
     const int width = static_cast<int>(lastColumn - firstColumn);
     const int height = static_cast<int>(lastRow - firstRow);
     const long long storedRow = m_bottomUp ? rows - lastRow : firstRow;
-    std::vector<double> values(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+    const std::size_t count = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+    std::vector<double> values(count);
+    std::vector<GByte> valid;
     TsGdalErrorTrap trap;
     if (band->RasterIO(GF_Read, static_cast<int>(firstColumn), static_cast<int>(storedRow), width,
                        height, values.data(), width, height, GDT_Float64, 0, 0, nullptr)
-        != CE_None)
+            != CE_None
+        || !readValidity(*band, static_cast<int>(firstColumn), static_cast<int>(storedRow), width,
+                         height, valid))
         return false;
+    bool anyValue = false;
     for (int row = 0; row < height; ++row) {
         const int sourceRow = m_bottomUp ? height - 1 - row : row;
-        for (int column = 0; column < width; ++column)
+        for (int column = 0; column < width; ++column) {
+            const std::size_t at = static_cast<std::size_t>(sourceRow) * static_cast<std::size_t>(width)
+                                 + static_cast<std::size_t>(column);
+            // NaN is no elevation, also in a band that declares no no-data value.
+            if ((!valid.empty() && valid[at] == 0) || std::isnan(values[at]))
+                continue;
             block->SetPixelValue(1, static_cast<int>(firstColumn - left) + column,
-                                 static_cast<int>(firstRow - top) + row,
-                                 values[static_cast<std::size_t>(sourceRow) * static_cast<std::size_t>(width)
-                                        + static_cast<std::size_t>(column)]);
+                                 static_cast<int>(firstRow - top) + row, values[at]);
+            anyValue = true;
+        }
     }
-    return true;
+    return anyValue;
 }
 
 } // namespace
