@@ -165,7 +165,9 @@ void VyUniversalFunction::replaceDxfCodepage(const VyObjects::TsString& path)
     bool changed = false;
     const bool written = rewriteStream(source, target, changed);
     source.close();
-    if (written && changed)
+    // QSaveFile::commit() would rename a file whose last buffered bytes could not be
+    // written (a full disk, a file size limit); the flush must succeed first.
+    if (written && changed && target.flush() && target.error() == QFileDevice::NoError)
         target.commit();
     else
         target.cancelWriting();

@@ -35,7 +35,9 @@ bool TemplateReset::saveOrRestore(const QXlsx::Document& document) const
     // was: there is nothing to put back.
     if (m_deleted && m_haveOriginal) {
         QSaveFile file(m_path);
-        if (file.open(QIODevice::WriteOnly) && file.write(m_original) == m_original.size())
+        // A failed final flush must not let commit() rename a cut copy into place.
+        if (file.open(QIODevice::WriteOnly) && file.write(m_original) == m_original.size()
+            && file.flush() && file.error() == QFileDevice::NoError)
             file.commit();
     }
     return false;

@@ -69,7 +69,9 @@ public:
     void setDate1904(bool date1904);
 
     // Saving is atomic: the package is written to a temporary file beside the target,
-    // which replaces the target only when complete. A failed save leaves the old file.
+    // which replaces the target only when complete. A failed save leaves the old file,
+    // and a save to a path also logs its reason as a warning in the category
+    // "vygis.xlsx.save", for callers that only learn that a save failed.
     bool save() const;
     bool saveAs(const QString& path) const;
     bool saveAs(QIODevice* device) const;

@@ -6,11 +6,23 @@
 #include "write/packagewriter.h"
 
 #include <QFile>
+#include <QLoggingCategory>
 #include <QSaveFile>
 
 namespace QXlsx {
 
+// Callers that only learn "not saved" (the library's functions answer with a bool) find
+// the reason in the log: a full disk, a read-only file, a missing folder.
+Q_LOGGING_CATEGORY(lcDocumentSave, "vygis.xlsx.save", QtWarningMsg)
+
 namespace {
+
+bool saveFailed(QString& errorString, const QString& path, const QString& reason)
+{
+    errorString = reason;
+    qCWarning(lcDocumentSave, "%s: %s", qUtf8Printable(path), qUtf8Printable(reason));
+    return false;
+}
 
 constexpr int MaxSheetNameLength = 31;
 
@@ -341,20 +353,26 @@ bool Document::save() const
 bool Document::saveAs(const QString& path) const
 {
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
-        d->errorString = file.errorString();
-        return false;
-    }
+    if (!file.open(QIODevice::WriteOnly))
+        return saveFailed(d->errorString, path, file.errorString());
     QString error;
     if (!detail::writePackage(*d, file, &error)) {
         file.cancelWriting();
-        d->errorString = error.isEmpty() ? file.errorString() : error;
-        return false;
+        return saveFailed(d->errorString, path, error.isEmpty() ? file.errorString() : error);
     }
-    if (!file.commit()) {
-        d->errorString = file.errorString();
-        return false;
+    // QSaveFile::commit() renames the file over the target even when the last buffered
+    // bytes could not be written (a file size limit, a full disk): it only remembers
+    // failed writes, and the final flush is not one. Flushing first catches them.
+    if (!file.flush() || file.error() != QFileDevice::NoError) {
+        // Qt often has no text for the failed flush.
+        const QString reason = file.error() == QFileDevice::WriteError || file.errorString() == QLatin1String("Unknown error")
+            ? tr("the file could not be written whole (the disk is full or a file size limit was reached)")
+            : file.errorString();
+        file.cancelWriting();
+        return saveFailed(d->errorString, path, reason);
     }
+    if (!file.commit())
+        return saveFailed(d->errorString, path, file.errorString());
     d->errorString.clear();
     return true;
 }
