@@ -1,5 +1,6 @@
 #include "command.h"
 #include "csv.h"
+#include "filesafety.h"
 #include "vygisutil.h"
 
 #include <QFileInfo>
@@ -26,7 +27,11 @@ Command dumpCommand()
         std::vector<QStringList> rows;
         VyExcelUtil::getExcelData(arguments.first(), rows);
         if (rows.empty()) {
-            printError(QStringLiteral("vygis dump: %1: no sheet data").arg(arguments.first()));
+            const QString unreadable = workbookInputRefusal(arguments.first());
+            printError(QStringLiteral("vygis dump: %1").arg(
+                unreadable.isEmpty() ? QStringLiteral("%1: no sheet data (the active sheet is empty or "
+                                                      "a chart sheet)").arg(arguments.first())
+                                     : unreadable));
             return int(ExitFailure);
         }
         for (const QStringList& row : rows)

@@ -1,31 +1,78 @@
 #include "arguments.h"
 #include "command.h"
+#include "filesafety.h"
 #include "hosttext.h"
 #include "layersource.h"
 #include "vygisutil.h"
+
+#include <functional>
 
 using namespace VyObjects;
 
 namespace {
 
+const QString overwriteOption = QStringLiteral("--overwrite");
+
+int rowCountLimit()
+{
+    // Below the title row and the header row.
+    return 1048576 - 2;
+}
+
+// The library answers every failure of an export with false; the save's own reason is
+// in the log, and the others are found out here, only once the export has failed.
+QString exportFailure(const QString& output, int columnCount, const std::function<long long()>& countRows)
+{
+    const QString refused = loggedSaveFailure(output);
+    if (!refused.isEmpty())
+        return QStringLiteral("%1: not saved: %2").arg(output, refused);
+    if (columnCount == 0)
+        return QStringLiteral("%1: not saved: no column left to export").arg(output);
+    const long long rowCount = countRows();
+    if (rowCount > rowCountLimit())
+        return QStringLiteral("%1: not saved: %2 rows to export, more than a sheet holds below its "
+                              "title and header (%3)").arg(output).arg(rowCount).arg(rowCountLimit());
+    return QStringLiteral("%1: not saved: %2").arg(output, saveFailureReason(output));
+}
+
+long long featureCount(VyObjects::TsFeatureLayer& layer)
+{
+    std::vector<int> ids;
+    layer.Search(layer.query_filter(), ids);
+    return static_cast<long long>(ids.size());
+}
+
+long long rowCount(VyObjects::TsTable& table)
+{
+    long long rows = 0;
+    const auto cursor = table.GetRowCursor(VyObjects::TsQueryFilter());
+    while (cursor && cursor->NextRow())
+        ++rows;
+    return rows;
+}
+
 // --exclude takes 0-based positions or names (ignoring case) of the exported columns,
-// separated by commas; false, with the offending entry in bad, for a name not among them.
+// separated by commas; false, with the offending entry in bad, for a position or a name
+// that is not among them: a column the user meant to leave out must not be exported.
 bool excludedColumns(const QStringList& values, const QStringList& names, QSet<int>& excluded,
                      QString& bad)
 {
     for (const QString& value : values) {
-        for (const QString& entry : value.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
+        for (const QString& rawEntry : value.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
+            const QString entry = rawEntry.trimmed();
             bool isNumber = false;
-            const int index = entry.trimmed().toInt(&isNumber);
-            int named = -1;
-            for (int i = 0; i < names.size() && !isNumber && named < 0; ++i)
-                if (names[i].compare(entry.trimmed(), Qt::CaseInsensitive) == 0)
-                    named = i;
-            if (!isNumber && named < 0) {
+            int index = entry.toInt(&isNumber);
+            if (!isNumber) {
+                index = -1;
+                for (int i = 0; i < names.size() && index < 0; ++i)
+                    if (names[i].compare(entry, Qt::CaseInsensitive) == 0)
+                        index = i;
+            }
+            if (index < 0 || index >= names.size()) {
                 bad = entry;
                 return false;
             }
-            excluded.insert(isNumber ? index : named);
+            excluded.insert(index);
         }
     }
     return true;
@@ -46,10 +93,15 @@ int runExport(const QStringList& arguments)
     const QString columnsOption = QStringLiteral("--columns");
     Arguments parsed;
     if (!parsed.parse(name, arguments,
-                      {{QStringLiteral("--alias")},
+                      {{QStringLiteral("--alias"), overwriteOption},
                        {QStringLiteral("--exclude"), QStringLiteral("--where")},
                        {columnsOption}, 2, 2}))
         return ExitUsage;
+    const QString output = parsed.positional(1);
+    const QString refusal = outputRefusal(output, {LayerAddress::parse(parsed.positional(0)).path},
+                                          OutputUse::Replace, parsed.isSet(overwriteOption));
+    if (!refusal.isEmpty())
+        return failure(name, refusal);
     QString error;
     const TsRefPtr<TsFeatureLayer> layer
         = openFeatureLayer(parsed.positional(0), TsGdalDataSource::ReadOnly, &error);
@@ -59,14 +111,13 @@ int runExport(const QStringList& arguments)
         if (!setLayerFilter(*layer, where, &error))
             return failure(name, error);
 
-    const QStringList columns = parsed.values(columnsOption);
+    const QStringList columns = parsed.isSet(columnsOption) ? parsed.values(columnsOption) : fieldNames(*layer);
     QSet<int> excluded;
     QString bad;
-    if (!excludedColumns(parsed.values(QStringLiteral("--exclude")),
-                         parsed.isSet(columnsOption) ? columns : fieldNames(*layer), excluded, bad))
-        return usageError(name, QStringLiteral("--exclude: no column %1 to leave out").arg(bad));
+    if (!excludedColumns(parsed.values(QStringLiteral("--exclude")), columns, excluded, bad))
+        return usageError(name, QStringLiteral("--exclude: no column %1 to leave out (columns 0 to %2: %3)")
+                                    .arg(bad).arg(columns.size() - 1).arg(columns.join(QStringLiteral(", "))));
 
-    const QString output = parsed.positional(1);
     const bool withAlias = parsed.isSet(QStringLiteral("--alias"));
     bool saved = false;
     if (parsed.isSet(columnsOption)) {
@@ -76,9 +127,8 @@ int runExport(const QStringList& arguments)
         saved = VyExcelUtil::export2Excel(output, layer.get(), withAlias, excluded);
     }
     if (!saved)
-        return failure(name, QStringLiteral("%1: not saved (no column left to export, the layer "
-                                            "has more features than a sheet has rows, its filter "
-                                            "cannot be applied, or the save failed)").arg(output));
+        return failure(name, exportFailure(output, columns.size() - excluded.size(),
+                                           [&] { return featureCount(*layer); }));
     return ExitSuccess;
 }
 
@@ -86,15 +136,22 @@ int runExportTable(const QStringList& arguments)
 {
     const QString name = QStringLiteral("export-table");
     Arguments parsed;
-    if (!parsed.parse(name, arguments, {{}, {}, {}, 2, 2}))
+    if (!parsed.parse(name, arguments, {{overwriteOption}, {}, {}, 2, 2}))
         return ExitUsage;
+    const QString output = parsed.positional(1);
+    const QString refusal = outputRefusal(output, {LayerAddress::parse(parsed.positional(0)).path},
+                                          OutputUse::Replace, parsed.isSet(overwriteOption));
+    if (!refusal.isEmpty())
+        return failure(name, refusal);
     QString error;
-    TsRefPtr<TsTable> table = openTable(parsed.positional(0), &error);
+    const TsRefPtr<TsTable> table = openTable(parsed.positional(0), &error);
     if (!table)
         return failure(name, error);
-    if (!VyExcelUtil::export2Excel(parsed.positional(1), std::move(table)))
-        return failure(name, QStringLiteral("%1: not saved (the table cannot be read, has more rows "
-                                            "than a sheet, or the save failed)").arg(parsed.positional(1)));
+    if (!VyExcelUtil::export2Excel(output, table)) {
+        const TsRefPtr<TsFields> fields = table->GetFields();
+        return failure(name, exportFailure(output, fields ? fields->GetFieldCount() : 0,
+                                           [&] { return rowCount(*table); }));
+    }
     return ExitSuccess;
 }
 
@@ -108,18 +165,22 @@ Command exportCommand()
     command.usage = QStringLiteral(
         "Usage: vygis export LAYER WORKBOOK [--alias] [--exclude COLUMNS] [--where CLAUSE]\n"
         "       vygis export LAYER WORKBOOK --columns NAME... [--alias] [--exclude COLUMNS]\n\n"
-        "Writes the features of LAYER (PATH or PATH:LAYER) to a new WORKBOOK, replacing\n"
-        "any file there: a title row \"<layer>_attribute table\", a header row of field\n"
-        "names, then one row per feature.\n\n"
+        "Writes the features of LAYER (PATH or PATH:LAYER) to a new WORKBOOK: a title row\n"
+        "\"<layer>_attribute table\", a header row of field names, then one row per feature.\n"
+        "A workbook already at WORKBOOK is replaced once the new one is complete; any other\n"
+        "file (a GeoPackage, a CSV, an .xls or encrypted workbook, ...) is left alone unless\n"
+        "--overwrite is given, and WORKBOOK may never be LAYER's own file.\n\n"
         "  --alias            head each column NAME(alias)\n"
         "  --exclude COLUMNS  leave out columns, by 0-based position or by name, separated\n"
-        "                     by commas (with --columns: positions in that list)\n"
+        "                     by commas (with --columns: positions in that list); a\n"
+        "                     position or name that is not a column is refused\n"
         "  --where CLAUSE     export only the features the clause admits, one comparison\n"
         "                     such as \"POP > 10\" or \"NAME = 'Paris'\"\n"
         "  --columns NAME...  a plain sheet of a point layer, one column per NAME: X, Y and\n"
-        "                     Z give the point's coordinates, other names a field's values\n\n"
+        "                     Z give the point's coordinates, other names a field's values\n"
+        "  --overwrite        replace WORKBOOK even when it is not a workbook\n\n"
         "Long exports show their progress on a terminal. Exit status 1 when the layer\n"
-        "cannot be opened or the workbook is not saved.");
+        "cannot be opened or the workbook is refused or not saved; the message says why.");
     command.run = runExport;
     return command;
 }
@@ -130,11 +191,13 @@ Command exportTableCommand()
     command.name = QStringLiteral("export-table");
     command.summary = QStringLiteral("export an attribute table to a workbook");
     command.usage = QStringLiteral(
-        "Usage: vygis export-table TABLE WORKBOOK\n\n"
+        "Usage: vygis export-table TABLE WORKBOOK [--overwrite]\n\n"
         "Writes every row of TABLE (PATH or PATH:LAYER of a table without geometry, such\n"
         "as a CSV file or a GeoPackage attribute table) to a new WORKBOOK below the title\n"
-        "\"<table>_attribute table\" and a header of field names. Exit status 1 when the\n"
-        "table cannot be opened or the workbook is not saved.");
+        "\"<table>_attribute table\" and a header of field names. WORKBOOK is protected as\n"
+        "in 'vygis export': only a workbook is replaced unless --overwrite is given, never\n"
+        "TABLE's own file. Exit status 1 when the table cannot be opened or the workbook is\n"
+        "refused or not saved; the message says why.");
     command.run = runExportTable;
     return command;
 }

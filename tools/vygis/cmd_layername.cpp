@@ -15,6 +15,8 @@ int runLayerName(const QStringList& arguments)
     Arguments parsed;
     if (!parsed.parse(commandName, arguments, {{}, {}, {}, 2, 2}))
         return ExitUsage;
+    if (parsed.positional(1).trimmed().isEmpty())
+        return usageError(commandName, QStringLiteral("NAME must not be empty"));
     QString error;
     const TsRefPtr<TsGdalDataSource> source
         = TsGdalDataSource::open(parsed.positional(0), TsGdalDataSource::ReadOnly, &error);

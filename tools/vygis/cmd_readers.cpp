@@ -1,6 +1,7 @@
 #include "arguments.h"
 #include "command.h"
 #include "csv.h"
+#include "filesafety.h"
 #include "vygisutil.h"
 
 #include <QFileInfo>
@@ -21,6 +22,14 @@ bool checkFile(const QString& command, const QString& path, int& status)
     return false;
 }
 
+// The readers answer a file that is not a workbook like an empty one; the message names
+// what the file is.
+int nothingRead(const QString& command, const QString& path, const QString& what)
+{
+    const QString unreadable = workbookInputRefusal(path);
+    return failure(command, unreadable.isEmpty() ? QStringLiteral("%1: %2").arg(path, what) : unreadable);
+}
+
 int runCoords(const QStringList& arguments)
 {
     const QString name = QStringLiteral("coords");
@@ -33,15 +42,16 @@ int runCoords(const QStringList& arguments)
     if (parsed.isSet(QStringLiteral("--texts"))) {
         const QStringList texts = VyExcelUtil::readCoordinateFile2(parsed.positional(0));
         if (texts.isEmpty())
-            return failure(name, QStringLiteral("%1: no cells to read").arg(parsed.positional(0)));
+            return nothingRead(name, parsed.positional(0),
+                           QStringLiteral("no cells to read"));
         for (int i = 0; i < texts.size(); i += 2)
             printLine(csvLine(texts.mid(i, 2)));
         return ExitSuccess;
     }
     const std::vector<VyObjects::TsPoint> points = VyExcelUtil::readCoordinateFile(parsed.positional(0));
     if (points.empty())
-        return failure(name, QStringLiteral("%1: no coordinate pairs (an odd number of cells, or none)")
-                                 .arg(parsed.positional(0)));
+        return nothingRead(name, parsed.positional(0),
+                           QStringLiteral("no coordinate pairs (an odd number of cells, or none)"));
     for (const VyObjects::TsPoint& point : points)
         printLine(number(point.x) + QLatin1Char(',') + number(point.y));
     return ExitSuccess;
@@ -58,8 +68,8 @@ int runRules(const QStringList& arguments)
         return status;
     QVector<QStringList> rules;
     if (!VyExcelUtil::readAttributeCheckRuleFromExcel(parsed.positional(0), rules))
-        return failure(name, QStringLiteral("%1: not a rule workbook (its cells must end in column D or E)")
-                                 .arg(parsed.positional(0)));
+        return nothingRead(name, parsed.positional(0),
+                           QStringLiteral("not a rule workbook (its cells must end in column D or E)"));
     for (const QStringList& rule : rules)
         printLine(csvLine(rule));
     return ExitSuccess;
@@ -76,8 +86,8 @@ int runPairs(const QStringList& arguments)
         return status;
     QMap<QString, QString> pairs;
     if (!VyExcelUtil::readTransactionTemplateFile(parsed.positional(0), pairs))
-        return failure(name, QStringLiteral("%1: not a pair workbook (its cells must end in column B)")
-                                 .arg(parsed.positional(0)));
+        return nothingRead(name, parsed.positional(0),
+                           QStringLiteral("not a pair workbook (its cells must end in column B)"));
     for (auto pair = pairs.cbegin(); pair != pairs.cend(); ++pair)
         printLine(csvLine({pair.key(), pair.value()}));
     return ExitSuccess;

@@ -1,11 +1,11 @@
 #include "arguments.h"
 #include "command.h"
 #include "csv.h"
+#include "filesafety.h"
 #include "vygisutil.h"
 
-#include <QFileInfo>
-
 #include <algorithm>
+#include <functional>
 
 namespace {
 
@@ -26,13 +26,27 @@ int printList(const QStringList& texts)
     return ExitSuccess;
 }
 
-// The readers answer a missing file and a sheet that is not a template alike, with
-// nothing; the message says which it was.
+// The readers answer a missing file, a file that is no workbook and a sheet that is not
+// a template alike, with nothing; the message says which it was.
 int nothingRead(const QString& path, const QString& what)
 {
-    if (!QFileInfo(path).isFile())
-        return failure(commandName, QStringLiteral("%1: no such file").arg(path));
+    const QString unreadable = workbookInputRefusal(path);
+    if (!unreadable.isEmpty())
+        return failure(commandName, unreadable);
     return failure(commandName, QStringLiteral("%1: %2").arg(path, what));
+}
+
+// The writers reset the workbook before they write it anew; the tool only lets them at
+// a workbook it can read, and keeps the old file until the new one has landed.
+int rewriteTemplate(const QString& path, const QString& input, const std::function<bool()>& rewrite)
+{
+    const QString refusal = outputRefusal(path, {input}, OutputUse::Rewrite, false);
+    if (!refusal.isEmpty())
+        return failure(commandName, refusal);
+    QString reason;
+    if (!rewriteKeepingOldFile(path, rewrite, &reason))
+        return failure(commandName, reason);
+    return ExitSuccess;
 }
 
 const QString notATemplate = QStringLiteral(
@@ -77,7 +91,7 @@ int runNames(const QStringList& positional)
 int runWrite(const QStringList& positional)
 {
     const QString path = positional[0];
-    if (!QFileInfo(path).isFile())
+    if (!inspectFile(path).exists())
         return failure(commandName, QStringLiteral("%1: no such file; a template is only rewritten where one exists").arg(path));
     std::vector<QStringList> records;
     QString error;
@@ -90,18 +104,22 @@ int runWrite(const QStringList& positional)
                                             .arg(positional[1]));
         content += record;
     }
-    if (!VyExcelUtil::updateFieldsTemplateTableContent(content, path))
-        return failure(commandName, QStringLiteral("%1: no field rows given; the workbook was reset without a header").arg(path));
-    return ExitSuccess;
+    if (content.isEmpty())
+        return failure(commandName, QStringLiteral("%1: no field rows; %2 is left as it is").arg(positional[1], path));
+    return rewriteTemplate(path, positional[1], [&] {
+        return VyExcelUtil::updateFieldsTemplateTableContent(content, path);
+    });
 }
 
 int runWriteNames(const QStringList& positional)
 {
     const QString path = positional[0];
-    if (!QFileInfo(path).isFile())
+    if (!inspectFile(path).exists())
         return failure(commandName, QStringLiteral("%1: no such file; table names are only written where a workbook exists").arg(path));
-    VyExcelUtil::updateTemplateName(path, positional.mid(1));
-    return ExitSuccess;
+    return rewriteTemplate(path, QString(), [&] {
+        VyExcelUtil::updateTemplateName(path, positional.mid(1));
+        return true;
+    });
 }
 
 struct Action
@@ -164,8 +182,11 @@ Command templateCommand()
         "  write WORKBOOK CSV          replace the field rows of an existing template by\n"
         "                              the CSV rows (five fields each; CSV may be -)\n"
         "  write-names WORKBOOK NAME...  replace the table names of an existing workbook\n\n"
-        "Exit status 1 when there is no file, the sheet is not a template, or nothing\n"
-        "was found.");
+        "The writers only rewrite an existing workbook the tool can read (never a CSV,\n"
+        "an .xls, .ods or encrypted workbook, ...); a copy of the old file stays beside it\n"
+        "(WORKBOOK.old-XXXXXX) until the new one has been saved, and is put back when the\n"
+        "save fails. Exit status 1 when there is no file, it is not a workbook, the sheet\n"
+        "is not a template, nothing was found, or the rewrite failed; the message says why.");
     command.run = runTemplate;
     return command;
 }

@@ -31,6 +31,17 @@ TsRefPtr<TsTable> openTable(const QString& address, QString* error)
     return source ? source->table(where.layer, error) : TsRefPtr<TsTable>();
 }
 
+namespace {
+
+// A clause may be generated and run to many kilobytes; messages quote its start.
+QString quotedForMessage(const QString& text)
+{
+    const int shown = 80;
+    return text.size() <= shown ? text : text.left(shown) + QStringLiteral("... (%1 characters)").arg(text.size());
+}
+
+} // namespace
+
 bool setLayerFilter(TsFeatureLayer& layer, const QString& whereClause, QString* error)
 {
     auto* gdalLayer = dynamic_cast<TsGdalFeatureLayer*>(&layer);
@@ -42,6 +53,8 @@ bool setLayerFilter(TsFeatureLayer& layer, const QString& whereClause, QString* 
     std::vector<int> ids;
     if (gdalLayer->Search(gdalLayer->query_filter(), ids))
         return true;
-    *error = QStringLiteral("--where \"%1\" cannot be applied: %2").arg(whereClause, gdalLayer->errorString());
+    QString reason = gdalLayer->errorString();
+    reason.replace(whereClause, quotedForMessage(whereClause));
+    *error = QStringLiteral("--where \"%1\" cannot be applied: %2").arg(quotedForMessage(whereClause), reason);
     return false;
 }

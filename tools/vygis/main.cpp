@@ -1,8 +1,10 @@
 #include "command.h"
+#include "filesafety.h"
 
 #include <QApplication>
 #include <QCoreApplication>
 
+#include <csignal>
 #include <cstdio>
 #include <memory>
 
@@ -18,7 +20,8 @@ void printOverview()
         "for example countries.gpkg:countries, in any vector format GDAL reads (GeoPackage,\n"
         "shapefile, GeoJSON, TopoJSON, CSV, ...). Exit status: 0 on success, 1 when the\n"
         "operation fails, 2 on wrong usage; messages go to standard error.\n\n"
-        "Run 'vygis <command> --help' for a command's arguments."));
+        "Run 'vygis <command> --help' for a command's arguments, 'vygis --version' for the\n"
+        "version."));
 }
 
 const Command* findCommand(const QString& name)
@@ -27,6 +30,15 @@ const Command* findCommand(const QString& name)
         if (command.name == name)
             return &command;
     return nullptr;
+}
+
+// A file size limit or a full disk must fail the write that meets it, so that the
+// command can keep the old file and say why, rather than end the process.
+void failWritesInsteadOfStopping()
+{
+#ifdef SIGXFSZ
+    std::signal(SIGXFSZ, SIG_IGN);
+#endif
 }
 
 bool wantsHelp(const QStringList& arguments)
@@ -46,15 +58,23 @@ int main(int argc, char** argv)
     else
         app = std::make_unique<QCoreApplication>(argc, argv);
 
+    failWritesInsteadOfStopping();
+    keepSaveErrorsForMessages();
     QStringList arguments = QCoreApplication::arguments().mid(1);
     if (arguments.isEmpty() || arguments.first() == QStringLiteral("--help")
         || arguments.first() == QStringLiteral("-h")) {
         printOverview();
         return arguments.isEmpty() ? ExitUsage : ExitSuccess;
     }
-    const Command* command = findCommand(arguments.takeFirst());
+    if (arguments.first() == QStringLiteral("--version")) {
+        printLine(QStringLiteral("vygis ") + QLatin1String(VYGIS_VERSION));
+        return ExitSuccess;
+    }
+    const QString commandName = arguments.takeFirst();
+    const Command* command = findCommand(commandName);
     if (!command) {
-        printError(QStringLiteral("vygis: unknown command; run 'vygis --help' for the list"));
+        printError(QStringLiteral("vygis: unknown command \"%1\"; run 'vygis --help' for the list")
+                       .arg(commandName));
         return ExitUsage;
     }
     if (wantsHelp(arguments)) {

@@ -1,0 +1,340 @@
+// What the tool's writing commands do to files they were not asked to replace: every
+// refusal leaves the file byte for byte as it was, exits 1 and names the file and why.
+
+#include "clitesting.h"
+
+#include "tsgdal.h"
+
+#include <QDir>
+#include <QFile>
+#include <QThread>
+
+#include <functional>
+
+#ifdef Q_OS_UNIX
+#include <csignal>
+#include <unistd.h>
+#endif
+
+using namespace VyObjects;
+
+namespace {
+
+QByteArray bytesOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void writeBytes(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(bytes);
+}
+
+// A compound document holding the directory entries name (UTF-16) as Excel writes
+// them: EncryptionInfo and EncryptedPackage for a workbook with a password to open,
+// Workbook for the Excel 97-2003 format.
+QByteArray compoundDocument(const QStringList& streams)
+{
+    QByteArray bytes("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", 8);
+    bytes.append(QByteArray(504, '\0'));
+    for (const QString& stream : streams) {
+        QByteArray entry(reinterpret_cast<const char*>(stream.utf16()), stream.size() * 2);
+        bytes.append(entry.leftJustified(128, '\0'));
+    }
+    return bytes.leftJustified(4096, '\0');
+}
+
+// The writing commands, each with arguments that write its output at a given path.
+struct WritingCommand
+{
+    const char* name;
+    std::function<QStringList(const QString& output)> arguments;
+};
+
+} // namespace
+
+class ToolSafety : public ToolTest
+{
+protected:
+    void SetUp() override
+    {
+        writeBytes(file(QStringLiteral("table.csv")), "name,pop\nOslo,700000\nLima,9700000\n");
+        writeBytes(file(QStringLiteral("fields.csv")), "ROADS,NAME,Text,50,0\nROADS,LANES,Integer,4,0\n");
+    }
+
+    QList<WritingCommand> writingCommands() const
+    {
+        const QString countries = sample(QStringLiteral("countries-110m.json")) + QStringLiteral(":countries");
+        const QString table = file(QStringLiteral("table.csv"));
+        const QString fields = file(QStringLiteral("fields.csv"));
+        const QString topology = sample(QStringLiteral("topology.json"));
+        return {
+            {"export", [=](const QString& out) { return QStringList{"export", countries, out}; }},
+            {"export-table", [=](const QString& out) { return QStringList{"export-table", table, out}; }},
+            {"errors", [=](const QString& out) { return QStringList{"errors", out, "Gap", "2", "roads"}; }},
+            {"topology", [=](const QString& out) { return QStringList{"topology", topology, out}; }},
+            {"template write", [=](const QString& out) { return QStringList{"template", "write", out, fields}; }},
+            {"template write-names", [=](const QString& out) { return QStringList{"template", "write-names", out, "ROADS"}; }},
+            {"clear", [=](const QString& out) { return QStringList{"clear", out}; }},
+            {"create", [=](const QString& out) { return QStringList{"create", out}; }},
+        };
+    }
+
+    // A file of each kind that is not a workbook, under a workbook's name where a user
+    // might have renamed it, with the words the refusal must use for it.
+    struct ForeignFile
+    {
+        QString path;
+        QString kindWords;
+    };
+
+    QList<ForeignFile> foreignFiles()
+    {
+        QList<ForeignFile> files;
+        const QString package = file(QStringLiteral("survey.gpkg"));
+        QString error;
+        const auto source = TsGdalDataSource::create(package, &error);
+        EXPECT_TRUE(source && source->createLayer(QStringLiteral("plots"), TsLayer::PointLayer,
+                                                  {{QStringLiteral("owner")}}, &error)) << error.toStdString();
+        files.append({package, QStringLiteral("GeoPackage")});
+        writeBytes(file(QStringLiteral("renamed-csv.xlsx")), "id,name\n1,Oslo\n");
+        files.append({file(QStringLiteral("renamed-csv.xlsx")), QStringLiteral("text file")});
+        writeBytes(file(QStringLiteral("old.xlsx")), compoundDocument({QStringLiteral("Root Entry"), QStringLiteral("Workbook")}));
+        files.append({file(QStringLiteral("old.xlsx")), QStringLiteral("Excel 97-2003")});
+        writeBytes(file(QStringLiteral("locked.xlsx")),
+                   compoundDocument({QStringLiteral("Root Entry"), QStringLiteral("EncryptionInfo"),
+                                     QStringLiteral("EncryptedPackage")}));
+        files.append({file(QStringLiteral("locked.xlsx")), QStringLiteral("encrypted")});
+        const QString ods = file(QStringLiteral("calc.xlsx"));
+        EXPECT_EQ(QProcess::execute(QStringLiteral("python3"),
+                                    {QStringLiteral("-c"),
+                                     QStringLiteral("import sys, zipfile\n"
+                                                    "with zipfile.ZipFile(sys.argv[1], 'w') as z:\n"
+                                                    "    z.writestr('mimetype', 'application/vnd.oasis.opendocument.spreadsheet')\n"
+                                                    "    z.writestr('content.xml', '<office:document-content/>')\n"),
+                                     ods}),
+                  0);
+        files.append({ods, QStringLiteral("OpenDocument")});
+        writeBytes(file(QStringLiteral("empty.xlsx")), QByteArray());
+        files.append({file(QStringLiteral("empty.xlsx")), QStringLiteral("empty file")});
+        return files;
+    }
+
+    // A copy of a sample workbook that the command may be asked to write.
+    QString workbookCopy(const char* sampleName = "field-template.xlsx")
+    {
+        return copyOf(QString::fromLatin1(sampleName));
+    }
+};
+
+TEST_F(ToolSafety, FilesThatAreNotWorkbooksAreLeftAsTheyWere)
+{
+    const QList<ForeignFile> files = foreignFiles();
+    for (const WritingCommand& command : writingCommands()) {
+        for (const ForeignFile& foreign : files) {
+            SCOPED_TRACE(std::string(command.name) + " over " + foreign.path.toStdString());
+            const QByteArray before = bytesOf(foreign.path);
+            const ToolRun run = vygis(command.arguments(foreign.path));
+            EXPECT_EQ(run.status, 1) << run.err.toStdString();
+            EXPECT_TRUE(run.err.contains(foreign.path)) << run.err.toStdString();
+            EXPECT_TRUE(run.err.contains(foreign.kindWords)) << run.err.toStdString();
+            EXPECT_EQ(bytesOf(foreign.path), before);
+        }
+    }
+}
+
+TEST_F(ToolSafety, OverwriteReplacesAFileThatIsNotAWorkbook)
+{
+    const QString csv = file(QStringLiteral("renamed-csv.xlsx"));
+    const QStringList replacing{"export", "export-table", "errors", "topology", "clear"};
+    for (const WritingCommand& command : writingCommands()) {
+        if (!replacing.contains(QString::fromLatin1(command.name)))
+            continue;
+        SCOPED_TRACE(command.name);
+        writeBytes(csv, "id,name\n1,Oslo\n");
+        const ToolRun run = vygis(command.arguments(csv) << QStringLiteral("--overwrite"));
+        EXPECT_EQ(run.status, 0) << run.err.toStdString();
+        EXPECT_TRUE(bytesOf(csv).startsWith("PK\x03\x04"));
+    }
+}
+
+TEST_F(ToolSafety, AFolderIsNeverWritten)
+{
+    const QString folder = file(QStringLiteral("reports"));
+    ASSERT_TRUE(QDir().mkpath(folder));
+    writeBytes(QDir(folder).filePath(QStringLiteral("kept.txt")), "kept");
+    for (const WritingCommand& command : writingCommands()) {
+        SCOPED_TRACE(command.name);
+        for (const QString& path : {folder, folder + QLatin1Char('/')}) {
+            const ToolRun run = vygis(command.arguments(path) << QStringLiteral("--overwrite"));
+            // create takes no --overwrite: a usage error is as good a refusal.
+            EXPECT_NE(run.status, 0);
+            EXPECT_TRUE(QFileInfo(folder).isDir());
+            EXPECT_EQ(QDir(folder).entryList(QDir::NoDotAndDotDot | QDir::AllEntries), QStringList{"kept.txt"});
+        }
+        const ToolRun run = vygis(command.arguments(folder));
+        EXPECT_EQ(run.status, 1) << run.err.toStdString();
+        EXPECT_TRUE(run.err.contains(folder) && run.err.contains(QStringLiteral("folder"))) << run.err.toStdString();
+    }
+}
+
+TEST_F(ToolSafety, TheOutputIsNeverTheInput)
+{
+    const QString table = file(QStringLiteral("table.csv"));
+    const QString topology = copyOf(QStringLiteral("topology.json"));
+    const QString countries = copyOf(QStringLiteral("countries-110m.json"));
+    const QString fields = file(QStringLiteral("fields.csv"));
+    const QList<QStringList> runs{
+        {"export", countries + QStringLiteral(":countries"), countries, "--overwrite"},
+        {"export-table", table, table, "--overwrite"},
+        {"errors", table, "--from", table, "--overwrite"},
+        {"topology", topology, topology, "--overwrite"},
+        {"template", "write", fields, fields},
+    };
+    for (const QStringList& arguments : runs) {
+        SCOPED_TRACE(arguments.join(QLatin1Char(' ')).toStdString());
+        const QString input = arguments.at(arguments.first() == QStringLiteral("template") ? 2 : 1)
+                                  .section(QLatin1Char(':'), 0, 0);
+        const QByteArray before = bytesOf(input);
+        const ToolRun run = vygis(arguments);
+        EXPECT_EQ(run.status, 1) << run.err.toStdString();
+        EXPECT_TRUE(run.err.contains(QStringLiteral("input"))) << run.err.toStdString();
+        EXPECT_EQ(bytesOf(input), before);
+    }
+}
+
+TEST_F(ToolSafety, AMissingFolderIsNamed)
+{
+    const QString output = file(QStringLiteral("no/such/folder/out.xlsx"));
+    for (const WritingCommand& command : writingCommands()) {
+        SCOPED_TRACE(command.name);
+        const ToolRun run = vygis(command.arguments(output));
+        EXPECT_EQ(run.status, 1);
+        EXPECT_TRUE(run.err.contains(output)) << run.err.toStdString();
+        EXPECT_FALSE(QFileInfo::exists(output));
+    }
+}
+
+#ifdef Q_OS_UNIX
+
+class ToolSafetyLimits : public ToolSafety
+{
+protected:
+    // Runs the tool through the shell, after setup (a limit), under wrapper (another user).
+    ToolRun shellRun(const QString& setup, const QString& wrapper, const QStringList& arguments)
+    {
+        QStringList quoted;
+        for (const QString& argument : arguments)
+            quoted.append(QLatin1Char('\'') + QString(argument).replace(QLatin1Char('\''), QStringLiteral("'\\''"))
+                          + QLatin1Char('\''));
+        const QString script = QStringLiteral("%1 exec %2 '%3' %4")
+                                   .arg(setup, wrapper, QStringLiteral(VYGIS_TOOL), quoted.join(QLatin1Char(' ')));
+        QProcess shell;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.remove(QStringLiteral("DISPLAY"));
+        shell.setProcessEnvironment(environment);
+        shell.start(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), script});
+        if (!shell.waitForFinished(120000) || shell.exitStatus() != QProcess::NormalExit)
+            return {};
+        return {shell.exitCode(), QString::fromUtf8(shell.readAllStandardOutput()),
+                QString::fromUtf8(shell.readAllStandardError())};
+    }
+
+    // Root may write any file; the tool then runs as nobody, in a folder nobody may
+    // enter, over files nobody may read.
+    QString unprivileged()
+    {
+        if (geteuid() != 0)
+            return QString();
+        QFile::setPermissions(QFileInfo(file(QStringLiteral("x"))).absolutePath(),
+                              QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner
+                                  | QFileDevice::ReadOther | QFileDevice::ExeOther);
+        for (const QString& name : QDir(QFileInfo(file(QStringLiteral("x"))).absolutePath()).entryList(QDir::Files))
+            QFile::setPermissions(file(name), QFile::permissions(file(name)) | QFileDevice::ReadOther);
+        return QStringLiteral("setpriv --reuid=65534 --regid=65534 --clear-groups");
+    }
+
+    static bool toolReachableAsNobody()
+    {
+        return geteuid() != 0
+            || QProcess::execute(QStringLiteral("setpriv"),
+                                 {QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
+                                  QStringLiteral("--clear-groups"), QStringLiteral(VYGIS_TOOL),
+                                  QStringLiteral("--version")}) == 0;
+    }
+};
+
+TEST_F(ToolSafetyLimits, AReadOnlyWorkbookIsLeftAsItWas)
+{
+    if (!toolReachableAsNobody())
+        GTEST_SKIP() << "the tool's folder cannot be entered by an unprivileged user";
+    const QString workbook = workbookCopy();
+    QFile::setPermissions(workbook, QFileDevice::ReadOwner | QFileDevice::ReadGroup | QFileDevice::ReadOther);
+    const QByteArray before = bytesOf(workbook);
+    const QString as = unprivileged();
+    for (const WritingCommand& command : writingCommands()) {
+        if (qstrcmp(command.name, "create") == 0)
+            continue;
+        SCOPED_TRACE(command.name);
+        const ToolRun run = shellRun(QString(), as, command.arguments(workbook));
+        EXPECT_EQ(run.status, 1) << run.err.toStdString();
+        EXPECT_TRUE(run.err.contains(workbook) && run.err.contains(QStringLiteral("read-only"))) << run.err.toStdString();
+        EXPECT_EQ(bytesOf(workbook), before);
+    }
+}
+
+TEST_F(ToolSafetyLimits, AFullDiskLeavesTheOldWorkbook)
+{
+    for (const WritingCommand& command : writingCommands()) {
+        if (qstrcmp(command.name, "create") == 0)
+            continue;
+        SCOPED_TRACE(command.name);
+        const QString workbook = workbookCopy("cities.xlsx");
+        const QByteArray before = bytesOf(workbook);
+        // Writes stop at 512 bytes, below the size of any workbook.
+        const ToolRun run = shellRun(QStringLiteral("ulimit -f 1;"), QString(), command.arguments(workbook));
+        EXPECT_EQ(run.status, 1) << run.err.toStdString();
+        EXPECT_TRUE(run.err.contains(workbook)) << run.err.toStdString();
+        EXPECT_TRUE(run.err.contains(QStringLiteral("too large")) || run.err.contains(QStringLiteral("limit")))
+            << run.err.toStdString();
+        EXPECT_EQ(bytesOf(workbook), before);
+        QFile::remove(workbook);
+    }
+}
+
+// An export long enough to be stopped part way: 200,000 features of six fields.
+TEST_F(ToolSafetyLimits, AnExportStoppedPartWayLeavesTheOldWorkbook)
+{
+    const QString package = file(QStringLiteral("parcels.gpkg"));
+    QString error;
+    const auto source = TsGdalDataSource::create(package, &error);
+    std::vector<TsGdalFieldDefinition> fields;
+    for (const char* name : {"a", "b", "c", "d", "e", "f"})
+        fields.emplace_back(QString::fromLatin1(name));
+    ASSERT_TRUE(source && source->createLayer(QStringLiteral("parcels"), TsLayer::PointLayer, fields, &error,
+                                              TsGdalDataSource::WithoutSpatialIndex)) << error.toStdString();
+    const auto writer = source->featureWriter(QStringLiteral("parcels"), &error);
+    const std::vector<TsVariant> values(6, TsVariant(TsString("parcel value")));
+    for (int i = 0; i < 200000; ++i)
+        writer->addFeature(values);
+    ASSERT_TRUE(writer->commit(&error)) << error.toStdString();
+
+    const QString workbook = workbookCopy("cities.xlsx");
+    const QByteArray before = bytesOf(workbook);
+    for (int signal : {SIGINT, SIGTERM, SIGKILL}) {
+        SCOPED_TRACE(signal);
+        QProcess export_;
+        export_.start(QStringLiteral(VYGIS_TOOL), {QStringLiteral("export"), package, workbook});
+        ASSERT_TRUE(export_.waitForStarted());
+        QThread::msleep(700);
+        ::kill(static_cast<pid_t>(export_.processId()), signal);
+        export_.waitForFinished(60000);
+        EXPECT_EQ(export_.exitStatus(), QProcess::CrashExit) << "the export ended before the signal";
+        EXPECT_EQ(bytesOf(workbook), before);
+    }
+}
+
+#endif // Q_OS_UNIX
