@@ -156,7 +156,7 @@ def write_elevation_points():
                  "Nigeria": "Africa", "Brazil": "Americas", "Mexico": "Americas",
                  "United States": "Americas", "France": "Europe"}
     lines = ["# Cities of cities.xlsx as longitude, latitude, grouped by continent.",
-             "# A line that is not two numbers is a heading."]
+             "# A line that does not start with a number is a heading."]
     for group in ["Asia", "Africa", "Americas", "Europe"]:
         lines.append(group)
         for city in cities:

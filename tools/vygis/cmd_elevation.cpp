@@ -1,39 +1,92 @@
 #include "arguments.h"
 #include "command.h"
-#include "layersource.h"
+#include "elevationnodata.h"
+#include "filesafety.h"
 #include "pointfile.h"
+#include "tsgdal.h"
 #include "vygisutil.h"
 
+#include <QFile>
 
 using namespace VyObjects;
 
 namespace {
 
 const QString commandName = QStringLiteral("elevation");
+const QString bandOption = QStringLiteral("--band");
+const QString overwriteOption = QStringLiteral("--overwrite");
+
+// A sheet has 1,048,576 rows; the report's header takes the first.
+constexpr int MostPairs = 1048575;
+// Skipped lines are named up to this many; the count says how many there were.
+constexpr int NamedSkippedLines = 5;
+
+// Lines passed over are told, never dropped silently.
+void tellWhatWasPassedOver(const QString& path, const PointFileNotes& notes)
+{
+    if (notes.columnHeaderLine > 0)
+        printError(QStringLiteral("vygis %1: %2: line %3 (%4) taken for a column header")
+                       .arg(commandName, path, QString::number(notes.columnHeaderLine),
+                            notes.columnHeader));
+    const int count = notes.skippedLines.size();
+    if (count == 0)
+        return;
+    QStringList named;
+    for (const int line : notes.skippedLines.mid(0, NamedSkippedLines))
+        named.append(QString::number(line));
+    if (count > NamedSkippedLines)
+        named.append(QStringLiteral("..."));
+    const QString lines = count == 1 ? QStringLiteral("line") : QStringLiteral("lines");
+    printError(QStringLiteral("vygis %1: %2: %3 %4 skipped, neither a point nor a heading: %4 %5")
+                   .arg(commandName, path, QString::number(count), lines, named.join(QStringLiteral(", "))));
+}
+
+TsRefPtr<TsRasterProps> openBand(const QString& path, int band, QString* error)
+{
+    const TsRefPtr<TsGdalDataSource> dem = TsGdalDataSource::open(path, TsGdalDataSource::ReadOnly, error);
+    return dem ? dem->raster(band, error) : TsRefPtr<TsRasterProps>();
+}
 
 int runElevation(const QStringList& arguments)
 {
     Arguments parsed;
-    if (!parsed.parse(commandName, arguments, {{}, {QStringLiteral("--band")}, {}, 3, 3}))
+    if (!parsed.parse(commandName, arguments, {{overwriteOption}, {bandOption}, {}, 3, 3}))
         return ExitUsage;
     bool bandIsNumber = true;
-    const QString bandText = parsed.values(QStringLiteral("--band")).value(0, QStringLiteral("1"));
-    const int band = bandText.toInt(&bandIsNumber);
+    const int band = parsed.values(bandOption).value(0, QStringLiteral("1")).toInt(&bandIsNumber);
     if (!bandIsNumber || band < 1)
         return usageError(commandName, QStringLiteral("--band takes a band number from 1"));
+    const QString pointPath = parsed.positional(0);
+    const QString demPath = parsed.positional(1);
+    const QString output = parsed.positional(2);
+    const QString refusal = outputRefusal(output, {pointPath, demPath}, OutputUse::Replace,
+                                          parsed.isSet(overwriteOption));
+    if (!refusal.isEmpty())
+        return failure(commandName, refusal);
+
     QStringList points;
     QString error;
-    if (!readPointFile(parsed.positional(0), points, &error))
+    PointFileNotes notes;
+    if (!readPointFile(pointPath, points, &error, &notes))
         return failure(commandName, error);
-    const TsRefPtr<TsGdalDataSource> dem
-        = TsGdalDataSource::open(parsed.positional(1), TsGdalDataSource::ReadOnly, &error);
-    TsRefPtr<TsRasterProps> raster = dem ? dem->raster(band, &error) : TsRefPtr<TsRasterProps>();
+    tellWhatWasPassedOver(pointPath, notes);
+    if ((points.size() + 1) / 2 > MostPairs)
+        return failure(commandName, QStringLiteral("%1: %2 points and headings; a sheet holds %3 below "
+                                                   "its header")
+                                        .arg(pointPath, QString::number((points.size() + 1) / 2),
+                                             QString::number(MostPairs)));
+    TsRefPtr<TsRasterProps> raster = openBand(demPath, band, &error);
     if (!raster)
         return failure(commandName, error);
-    const QString output = parsed.positional(2);
-    if (!VyExcelUtil::saveQueryElevationOutputFile(output, points, std::move(raster)))
-        return failure(commandName, QStringLiteral("%1: not saved (more points than a sheet has "
-                                                   "rows, or the save failed)").arg(output));
+
+    const auto recorder = TsRefPtr<ReadRecordingRaster>::create(std::move(raster));
+    if (!VyExcelUtil::saveQueryElevationOutputFile(output, points, recorder))
+        return failure(commandName, QStringLiteral("%1: not saved: %2").arg(output, saveFailureReason(output)));
+    if (recorder->anyReadWithoutValue() && !markCellsWithoutValue(output, recorder->reads(), &error)) {
+        // Its no-data cells would read as heights.
+        QFile::remove(output);
+        return failure(commandName, error + QStringLiteral("; the report is removed"));
+    }
     return ExitSuccess;
 }
 
@@ -45,17 +98,31 @@ Command elevationCommand()
     command.name = commandName;
     command.summary = QStringLiteral("look up the elevations of points in a DEM");
     command.usage = QStringLiteral(
-        "Usage: vygis elevation POINTS DEM WORKBOOK [--band N]\n\n"
+        "Usage: vygis elevation POINTS DEM WORKBOOK [--band N] [--overwrite]\n\n"
         "Looks up each point of POINTS in band N (default 1) of the raster DEM and writes\n"
         "a new WORKBOOK: the point's number in its group, \"x,y\" and its elevation with\n"
-        "four decimals, or \"Not within the range of Dem data!\" outside the raster.\n"
-        "Coordinates are in the raster's coordinate system.\n\n"
+        "four decimals (below 0 written as 0.0000). A point outside the raster, or on a\n"
+        "cell that holds no value (the band's no-data value, a masked cell, NaN), gets\n"
+        "\"Not within the range of Dem data!\" instead. Coordinates are in the raster's\n"
+        "coordinate system.\n\n"
         "POINTS is a workbook (.xlsx: its cells read as x, y pairs row by row; a table\n"
-        "three columns wide, number, x, y, leaves its first column out) or a text file:\n"
-        "a line of two numbers (separated by a comma, a semicolon or spaces) is a point,\n"
-        "any other line a heading that starts a new group; lines from \"#\" are comments.\n\n"
-        "Exit status 1 when the points or the raster cannot be read or the workbook is\n"
-        "not saved.");
+        "three columns wide, number, x, y, leaves its first column out) or a text file,\n"
+        "its fields separated by commas, semicolons, tabs or spaces:\n"
+        "  - two numbers are a point x, y; three numbers are id, x, y (the id is not\n"
+        "    kept: points are numbered within their group);\n"
+        "  - a line whose first field is not a number is a heading that starts a new\n"
+        "    group;\n"
+        "  - the first line is a column header, passed over (standard error says so),\n"
+        "    when it holds names separated by commas, semicolons or tabs (X,Y or\n"
+        "    id;lon;lat), as many as the point line after it has numbers;\n"
+        "  - any other line starting with a number (\"12.5,abc\", or 12,5;48,3 written\n"
+        "    with decimal commas) is skipped; standard error tells how many and which;\n"
+        "  - empty lines and lines from \"#\" are comments.\n\n"
+        "A workbook at WORKBOOK is replaced once the new one is complete; any other file\n"
+        "(a GeoPackage, a CSV, ...) is left alone unless --overwrite is given, and\n"
+        "WORKBOOK may never be POINTS or DEM. Exit status 1 when WORKBOOK is refused, the\n"
+        "points or the raster cannot be read, or the workbook is not saved; the message\n"
+        "says why.");
     command.run = runElevation;
     return command;
 }

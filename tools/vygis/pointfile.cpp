@@ -7,11 +7,45 @@
 #include <QRegularExpression>
 #include <QTextStream>
 
+#include <algorithm>
+#include <cmath>
+
 namespace {
 
-// A line of two numbers is a point; any other line, trimmed, is a heading, which
-// starts a new group of points. Empty lines and lines from "#" are passed over.
-bool readPointText(const QString& path, QStringList& points, QString* error)
+bool isNumber(const QString& field)
+{
+    bool ok = false;
+    const double value = field.toDouble(&ok);
+    return ok && std::isfinite(value);
+}
+
+// One line of a text point file, split into its fields.
+struct PointLine
+{
+    int number = 0;
+    QString text;
+    QStringList fields;
+
+    bool isPoint() const
+    {
+        return (fields.size() == 2 || fields.size() == 3)
+            && std::all_of(fields.begin(), fields.end(), isNumber);
+    }
+    bool isHeading() const { return !isNumber(fields.first()); }
+    // Names given between delimiters, not words of a heading spaced apart.
+    bool couldBeColumnHeader() const
+    {
+        static const QRegularExpression delimiter(QStringLiteral("[,;\\t]"));
+        return (fields.size() == 2 || fields.size() == 3) && text.contains(delimiter)
+            && std::none_of(fields.begin(), fields.end(), isNumber);
+    }
+    // The x and y of a point: the last two fields, after an id where there is one.
+    QString x() const { return fields.at(fields.size() - 2); }
+    QString y() const { return fields.last(); }
+};
+
+// The lines that hold something, comments and empty lines left out.
+bool readLines(const QString& path, QList<PointLine>& lines, QString* error)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
@@ -21,21 +55,43 @@ bool readPointText(const QString& path, QStringList& points, QString* error)
     QTextStream in(&file);
     in.setCodec("UTF-8");
     static const QRegularExpression separators(QStringLiteral("[,;\\s]+"));
-    while (!in.atEnd()) {
-        const QString line = in.readLine().trimmed();
-        if (line.isEmpty() || line.startsWith(QLatin1Char('#')))
+    for (int number = 1; !in.atEnd(); ++number) {
+        const QString text = in.readLine().trimmed();
+        if (text.isEmpty() || text.startsWith(QLatin1Char('#')))
             continue;
-        const QStringList parts = line.split(separators, Qt::SkipEmptyParts);
-        bool xIsNumber = false;
-        bool yIsNumber = false;
-        if (parts.size() == 2) {
-            parts[0].toDouble(&xIsNumber);
-            parts[1].toDouble(&yIsNumber);
+        lines.append({number, text, text.split(separators, Qt::SkipEmptyParts)});
+    }
+    return true;
+}
+
+bool readPointText(const QString& path, QStringList& points, QString* error, PointFileNotes& notes)
+{
+    QList<PointLine> lines;
+    if (!readLines(path, lines, error))
+        return false;
+    int first = 0;
+    if (lines.size() >= 2 && lines[0].couldBeColumnHeader() && lines[1].isPoint()
+        && lines[1].fields.size() == lines[0].fields.size()) {
+        notes.columnHeaderLine = lines[0].number;
+        notes.columnHeader = lines[0].text;
+        first = 1;
+    }
+    bool anyPoint = false;
+    for (int i = first; i < lines.size(); ++i) {
+        const PointLine& line = lines.at(i);
+        if (line.isPoint()) {
+            points << line.x() << line.y();
+            anyPoint = true;
+        } else if (line.isHeading()) {
+            points << line.text << QString();
+        } else {
+            notes.skippedLines.append(line.number);
         }
-        if (xIsNumber && yIsNumber)
-            points << parts[0] << parts[1];
-        else
-            points << line << QString();
+    }
+    if (!anyPoint) {
+        *error = QStringLiteral("%1: no line holds a point (two numbers x, y or three numbers "
+                                "id, x, y)").arg(path);
+        return false;
     }
     return true;
 }
@@ -48,20 +104,23 @@ bool isWorkbook(const QString& path)
 
 } // namespace
 
-bool readPointFile(const QString& path, QStringList& points, QString* error)
+bool readPointFile(const QString& path, QStringList& points, QString* error, PointFileNotes* notes)
 {
-    if (!QFileInfo(path).isFile()) {
+    if (!QFileInfo::exists(path)) {
         *error = QStringLiteral("%1: no such file").arg(path);
         return false;
     }
-    if (isWorkbook(path))
-        points = VyExcelUtil::readCoordinateFile2(path);
-    else if (!readPointText(path, points, error))
+    if (QFileInfo(path).isDir()) {
+        *error = QStringLiteral("%1: a folder, not a file of points").arg(path);
         return false;
+    }
+    PointFileNotes ignored;
+    if (!isWorkbook(path))
+        return readPointText(path, points, error, notes ? *notes : ignored);
+    points = VyExcelUtil::readCoordinateFile2(path);
     if (points.isEmpty()) {
         *error = QStringLiteral("%1: no points").arg(path);
         return false;
     }
     return true;
 }
-
