@@ -67,16 +67,6 @@ int refused(const QString& path, const QString& why)
     return failure(name(), QStringLiteral("%1: %2; it is left as it is").arg(path, why));
 }
 
-// The file inspection describes kinds for the workbook commands; a drawing's message
-// says only what the file is.
-QString kindOf(const FileKind& found)
-{
-    QString description = found.description;
-    description.remove(QStringLiteral(", not a workbook"));
-    description.remove(QStringLiteral(" that is not a workbook"));
-    return description;
-}
-
 // ExitSuccess when path is a text DXF drawing, its bytes then in drawing; otherwise
 // the failure status, reported.
 int openDrawing(const QString& path, DrawingBytes& drawing)
@@ -89,7 +79,7 @@ int openDrawing(const QString& path, DrawingBytes& drawing)
     if (!drawing.open(path))
         return failure(name(), QStringLiteral("%1: cannot be read (%2)").arg(path, drawing.errorString()));
     if (found.kind != FileKind::Text)
-        return refused(path, QStringLiteral("%1; only a text DXF drawing is changed").arg(kindOf(found)));
+        return refused(path, QStringLiteral("%1; only a text DXF drawing is changed").arg(found.description));
     if (!DxfText::looksLikeDrawing(drawing.bytes()))
         return refused(path, QStringLiteral("a text file that does not look like a DXF drawing "
                                             "(it does not begin with the group code 0 and SECTION)"));

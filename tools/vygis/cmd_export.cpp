@@ -192,8 +192,8 @@ Command exportTableCommand()
     command.summary = QStringLiteral("export an attribute table to a workbook");
     command.usage = QStringLiteral(
         "Usage: vygis export-table TABLE WORKBOOK [--overwrite]\n\n"
-        "Writes every row of TABLE (PATH or PATH:LAYER of a table without geometry, such\n"
-        "as a CSV file or a GeoPackage attribute table) to a new WORKBOOK below the title\n"
+        "Writes every row of TABLE (PATH or PATH:LAYER: the attributes of any layer, a\n"
+        "CSV file, a GeoPackage table or a spatial layer) to a new WORKBOOK below the title\n"
         "\"<table>_attribute table\" and a header of field names. WORKBOOK is protected as\n"
         "in 'vygis export': only a workbook is replaced unless --overwrite is given, never\n"
         "TABLE's own file. Exit status 1 when the table cannot be opened or the workbook is\n"

@@ -20,7 +20,7 @@ int runCreate(const QStringList& arguments)
         return ExitSuccess;
     }
     if (existing.exists())
-        return failure(name, QStringLiteral("%1: %2; it is left as it is").arg(path, existing.description));
+        return failure(name, workbookInputRefusal(path) + QStringLiteral("; it is left as it is"));
     const QString refusal = outputRefusal(path, {}, OutputUse::Replace, false);
     if (!refusal.isEmpty())
         return failure(name, refusal);

@@ -49,9 +49,9 @@ FileKind zipKind(QFile& file)
     if (tail.contains("workbook.xml"))
         return kind(FileKind::Workbook, "a workbook");
     if (head.contains("application/vnd.oasis.opendocument"))
-        return kind(FileKind::OpenDocument, "an OpenDocument file (.ods or similar), not a workbook");
+        return kind(FileKind::OpenDocument, "an OpenDocument file (.ods or similar)");
     if (tail.contains("word/document.xml"))
-        return kind(FileKind::OtherZip, "a word processing document, not a workbook");
+        return kind(FileKind::OtherZip, "a word processing document");
     return kind(FileKind::OtherZip, "a zip archive that holds no workbook");
 }
 
@@ -73,13 +73,27 @@ FileKind sqliteKind(const QByteArray& head)
 {
     const QByteArray id = head.mid(68, 4);
     if (id == "GPKG" || id == "GP10" || id == "GP11")
-        return kind(FileKind::GeoPackage, "a GeoPackage, not a workbook");
-    return kind(FileKind::Sqlite, "an SQLite database, not a workbook");
+        return kind(FileKind::GeoPackage, "a GeoPackage");
+    return kind(FileKind::Sqlite, "an SQLite database");
 }
 
 bool looksLikeText(const QByteArray& head)
 {
     return !head.contains('\0');
+}
+
+// Kinds the engine cannot read for a reason of their own say so in their description.
+QString asNoWorkbook(const FileKind& found)
+{
+    switch (found.kind) {
+    case FileKind::BinaryWorkbook:
+    case FileKind::EncryptedWorkbook:
+    case FileKind::LegacyWorkbook:
+    case FileKind::Missing:
+        return found.description;
+    default:
+        return found.description + QStringLiteral(", not a workbook");
+    }
 }
 
 QString describedPath(const QString& path, const QString& what)
@@ -132,7 +146,7 @@ FileKind inspectFile(const QString& path)
         return {FileKind::Binary, QStringLiteral("cannot be read (%1)").arg(file.errorString())};
     const QByteArray head = file.read(HeadLength);
     if (head.isEmpty())
-        return kind(FileKind::Empty, "an empty file, not a workbook");
+        return kind(FileKind::Empty, "an empty file");
     if (head.startsWith("PK\x03\x04") || head.startsWith("PK\x05\x06"))
         return zipKind(file);
     if (head.startsWith("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1"))
@@ -140,10 +154,10 @@ FileKind inspectFile(const QString& path)
     if (head.startsWith(QByteArray("SQLite format 3\0", 16)))
         return sqliteKind(head);
     if (head.startsWith("AutoCAD Binary DXF"))
-        return kind(FileKind::BinaryDxf, "a binary DXF drawing, not a workbook");
+        return kind(FileKind::BinaryDxf, "a binary DXF drawing");
     if (looksLikeText(head))
-        return kind(FileKind::Text, "a text file (CSV or similar), not a workbook");
-    return kind(FileKind::Binary, "a binary file that is not a workbook");
+        return kind(FileKind::Text, "a text file (CSV or similar)");
+    return kind(FileKind::Binary, "a binary file");
 }
 
 bool isSameFile(const QString& first, const QString& second)
@@ -189,7 +203,7 @@ QString outputRefusal(const QString& path, const QStringList& inputs, OutputUse 
     if (overwrite)
         return {};
     if (!found.isWorkbook())
-        return describedPath(path, found.description
+        return describedPath(path, asNoWorkbook(found)
                                        + QStringLiteral("; it is left as it is (give --overwrite to replace it)"));
     if (use == OutputUse::Rewrite) {
         const QString unreadable = workbookInputRefusal(path);
@@ -203,7 +217,7 @@ QString workbookInputRefusal(const QString& path)
 {
     const FileKind found = inspectFile(path);
     if (!found.isWorkbook())
-        return describedPath(path, found.description);
+        return describedPath(path, asNoWorkbook(found));
     const QXlsx::Document document(path);
     if (!document.errorString().isEmpty())
         return describedPath(path, QStringLiteral("cannot be read as a workbook: %1").arg(document.errorString()));

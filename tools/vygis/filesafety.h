@@ -27,7 +27,8 @@ struct FileKind
     };
 
     Kind kind = Missing;
-    // For messages: "a GeoPackage", "a text file (CSV or similar)", "a folder".
+    // For messages: "a GeoPackage", "a text file (CSV or similar)", "a folder"; the
+    // workbook kinds that cannot be read add why ("..., which cannot be read").
     QString description;
 
     bool isWorkbook() const { return kind == Workbook; }
