@@ -104,6 +104,18 @@ public:
     // Appends features to a layer inside one transaction; see TsGdalFeatureWriter.
     TsRefPtr<TsGdalFeatureWriter> featureWriter(const QString& layerName, QString* error);
 
+    // Asks every open edit operation of the process to stop, for a handler
+    // of SIGINT or SIGTERM: it only sets a lock-free flag, so it is safe to
+    // call from a signal handler. While the request stands, a change given
+    // to an operation fails, reading a feature inside one gives nothing, no
+    // operation starts, and committing an open operation undoes it whole (a
+    // transaction rolled back, or the old values written back where the
+    // format has no transactions) and returns false. resumeOperations()
+    // withdraws the request.
+    static void interruptOperations();
+    static bool operationsInterrupted();
+    static void resumeOperations();
+
     // Internal to the provider: the GDAL dataset and the bookkeeping shared
     // by the objects over its layers.
     GDALDataset* dataset() const { return m_dataset; }
@@ -121,13 +133,57 @@ private:
     std::unique_ptr<TsGdalLayerState> m_state;
 };
 
+// What the open or the last edit operation of a TsGdalFeatureLayer did with
+// the values it was given, counted from StartOperation on.
+struct VYGIS_GDAL_EXPORT TsGdalEditSummary
+{
+    // A value that could not be converted to its field's type.
+    struct RefusedValue
+    {
+        int featureId;
+        QString field;
+        QString text;                   // the value as it was given
+        TsField::FieldType fieldType;
+        int fieldWidth = 0;             // the most characters the file keeps (a shapefile's); 0 no limit
+
+        // feature 17, field CODE (32-bit integer): "lots"
+        // feature 17, field CODE (32-bit integer of width 9): "2000000000"
+        QString toString() const;
+    };
+    enum Outcome { Open, Committed, Undone };
+    static constexpr int MaxExamples = 5;
+
+    Outcome outcome = Open;
+    // Undone because TsGdalDataSource::interruptOperations() was called.
+    bool interrupted = false;
+    long long featuresChanged = 0;      // features with at least one value written
+    long long valuesWritten = 0;
+    long long valuesUnchanged = 0;      // equal to what the field held: not written
+    long long valuesNotConvertible = 0; // not written: the field kept its value
+    std::vector<RefusedValue> examples; // the first MaxExamples values not convertible
+
+    // "32-bit integer", "date", "text", ... for messages.
+    static QString typeName(TsField::FieldType type);
+};
+
 // A feature layer over one OGR layer of a data source. Cursors read features
 // from the file as they are asked for. Edit operations are transactions of
 // the data source where the driver has them; elsewhere the layer keeps the
-// old values and writes them back when the operation is aborted. Changes of
-// one feature are written together, when another feature is edited or the
-// source is read; a change the source refuses (a constraint of its table)
-// makes the whole operation fail: committing it undoes it and returns false.
+// old values and writes them back when the operation is aborted or fails.
+// Changes of one feature are written together, when another feature is
+// edited or the source is read; a change the source refuses (a constraint of
+// its table) makes the whole operation fail: committing it undoes it and
+// returns false.
+//
+// A value is converted to its field's type first (TsField::ConvertValue):
+// empty text into a field that is not text is null. A value that cannot be
+// converted (a word or 20200000000 for a 32-bit integer, 45000 for a date),
+// or that is longer than the file's field is wide (a shapefile's), is never
+// stored in its place, whatever strict says: ChangeAttribute
+// returns false, the field keeps its value and editSummary() counts it. A
+// value equal to what the field holds is not written and counted as
+// unchanged; a null text and an empty one count as equal, since a workbook
+// cannot tell them apart. So an exported workbook joined back changes nothing.
 class VYGIS_GDAL_EXPORT TsGdalFeatureLayer : public TsFeatureLayer
 {
 public:
@@ -139,6 +195,17 @@ public:
     bool IsInOperation() const;
     // The reason the last refused call failed, naming the file.
     QString errorString() const;
+
+    // What committing does with an operation in which values could not be converted.
+    enum UnconvertibleValues {
+        KeepOldValues,   // the rest is kept; those fields keep their old values (the default)
+        UndoOperation    // the whole operation is undone and CommitOperation returns false,
+                         // errorString() naming the count and the first value
+    };
+    void setUnconvertibleValues(UnconvertibleValues policy);
+    UnconvertibleValues unconvertibleValues() const;
+    // The counts of the open operation, or of the last one once it is closed.
+    TsGdalEditSummary editSummary() const;
 
     TsQueryFilter query_filter() const override;
     TsRefPtr<TsFields> GetFields() const override;

@@ -16,7 +16,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <unordered_map>
 
 namespace VyObjects {
@@ -128,6 +127,13 @@ TsVariant readValue(const OGRFeature& feature, int index, TsField::FieldType typ
 std::vector<TsVariant> readValues(const OGRFeature& feature, const TsFields& fields);
 // value has already been converted to the field's host type.
 void writeValue(OGRFeature& feature, int index, const TsVariant& value);
+// value converted to the host type of field and to what the OGR field keeps
+// of it (a date field the day); false for a value the field cannot hold.
+bool convertForField(const TsField& field, const OGRFieldDefn& definition, const TsVariant& value,
+                     TsVariant& converted);
+// Whether field index of feature already holds value, converted for it. A
+// null text and an empty one count as equal.
+bool holdsValue(const OGRFeature& feature, int index, TsField::FieldType type, const TsVariant& value);
 
 // Null for a missing geometry or one the host has no form for.
 TsRefPtr<TsGeometry> readGeometry(const OGRGeometry* geometry);
@@ -241,27 +247,37 @@ public:
     // Changes are held in the feature until another feature is edited or
     // the source is read, so a feature whose fields change one after another
     // is written once.
-    bool changeAttribute(int featureId, const TsString& field, const TsVariant& value, bool strict);
+    bool changeAttribute(int featureId, const TsString& field, const TsVariant& value);
     void keepForEditing(OGRFeatureUniquePtr feature);
     void writePending();
+    // Inside an operation that TsGdalDataSource::interruptOperations() stopped.
+    bool isInterrupted() const;
 
     TsRefPtr<TsGdalDataSource> source;
     OGRLayer* layer;
     TsRefPtr<TsFields> fields;
     TsQueryFilter filter;
     QString error;
+    TsGdalFeatureLayer::UnconvertibleValues unconvertible = TsGdalFeatureLayer::KeepOldValues;
+    TsGdalEditSummary summary;
 
 private:
     OGRFeature* featureToEdit(int featureId);
-    void undo();
+    bool refuse(int featureId, const TsField& field, int width, const TsVariant& value);
+    void noteChange(const OGRFeature& feature);
+    // Why the commit must not land; empty when it may.
+    QString reasonToUndo() const;
+    bool undoWith(const QString& reason);
+    // Empty when every feature was set back.
+    QString undo();
     void close();
 
     std::unique_ptr<TsGdalTransaction> m_transaction;
     bool m_writeFailed = false;
     QString m_writeError;
-    // Without a transaction, the features as they were before the operation
-    // first changed them.
-    std::map<GIntBig, OGRFeatureUniquePtr> m_originals;
+    // The features this operation changed; without a transaction, as they
+    // were before it first changed them, to write back when it is undone.
+    std::unordered_map<GIntBig, OGRFeatureUniquePtr> m_originals;
     // The feature read or edited last, and whether it holds unwritten changes.
     OGRFeatureUniquePtr m_editing;
     bool m_pending = false;

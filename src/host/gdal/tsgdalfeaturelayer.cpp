@@ -1,5 +1,7 @@
 #include "tsgdal_p.h"
 
+#include <atomic>
+
 namespace VyObjects {
 
 // Holds its layer, so a buffer kept past the layer's other references still
@@ -10,9 +12,11 @@ public:
     explicit TsGdalEditBuffer(TsGdalFeatureLayer* layer) : m_layer(layer) {}
 
     bool ChangeAttribute(const int& featureId, const TsString& field, const TsVariant& value,
-                         bool strict) override
+                         bool /*strict*/) override
     {
-        return m_layer->d->changeAttribute(featureId, field, value, strict);
+        // A value that does not fit is refused with or without strict: it
+        // never replaces the old value by a null.
+        return m_layer->d->changeAttribute(featureId, field, value);
     }
 
 private:
@@ -61,6 +65,59 @@ bool TsGdalFeatureLayer::Private::prepare(const TsQueryFilter& query, TsGdalFilt
     return fail(reason);
 }
 
+// --- What an operation did ---------------------------------------------------
+
+QString TsGdalEditSummary::typeName(TsField::FieldType type)
+{
+    switch (type) {
+    case TsField::SmallIntegerField: return QStringLiteral("16-bit integer");
+    case TsField::IntegerField: return QStringLiteral("32-bit integer");
+    case TsField::BigIntegerField: return QStringLiteral("64-bit integer");
+    case TsField::SingleField: return QStringLiteral("single-precision real");
+    case TsField::DoubleField: return QStringLiteral("real");
+    case TsField::StringField: return QStringLiteral("text");
+    case TsField::DateField: return QStringLiteral("date");
+    case TsField::BlobField: return QStringLiteral("binary");
+    case TsField::GeometryField: return QStringLiteral("geometry");
+    }
+    return QStringLiteral("unknown");
+}
+
+QString TsGdalEditSummary::RefusedValue::toString() const
+{
+    // A long text is cut, since it stands in a one-line message.
+    const int shown = 60;
+    const QString quoted = text.size() <= shown ? text : text.left(shown - 3) + QStringLiteral("...");
+    const QString type = fieldWidth > 0 ? QStringLiteral("%1 of width %2").arg(typeName(fieldType)).arg(fieldWidth)
+                                        : typeName(fieldType);
+    return QStringLiteral("feature %1, field %2 (%3): \"%4\"").arg(featureId).arg(field, type, quoted);
+}
+
+// --- Interruption ------------------------------------------------------------
+
+namespace {
+
+// Set from signal handlers, so it must be lock-free to be safe there.
+std::atomic<bool> interruptionRequested{false};
+static_assert(std::atomic<bool>::is_always_lock_free, "the interruption flag must be lock-free");
+
+} // namespace
+
+void TsGdalDataSource::interruptOperations()
+{
+    interruptionRequested.store(true, std::memory_order_relaxed);
+}
+
+bool TsGdalDataSource::operationsInterrupted()
+{
+    return interruptionRequested.load(std::memory_order_relaxed);
+}
+
+void TsGdalDataSource::resumeOperations()
+{
+    interruptionRequested.store(false, std::memory_order_relaxed);
+}
+
 // --- Edit operations ----------------------------------------------------------
 
 bool TsGdalFeatureLayer::Private::start()
@@ -72,6 +129,8 @@ bool TsGdalFeatureLayer::Private::start()
     if (!layer->TestCapability(OLCRandomWrite))
         return fail(QStringLiteral("the %1 driver cannot change features of this layer")
                         .arg(source->driverName()));
+    if (TsGdalDataSource::operationsInterrupted())
+        return fail(QStringLiteral("edit operations were interrupted; nothing was changed"));
     TsGdalLayerState& state = source->layerState();
     if (state.operationOwner())
         return fail(QStringLiteral("another edit operation is open on the data source"));
@@ -84,53 +143,84 @@ bool TsGdalFeatureLayer::Private::start()
     state.setOperationOwner(this, [this] { writePending(); });
     m_transaction = std::move(transaction);
     m_writeFailed = false;
+    summary = TsGdalEditSummary();
     return true;
 }
 
-// An operation in which a write failed cannot land whole, so it lands not at all.
+// An operation that cannot land whole lands not at all.
 bool TsGdalFeatureLayer::Private::commit()
 {
     if (!m_transaction)
         return fail(QStringLiteral("no edit operation is open"));
-    writePending();
-    if (m_writeFailed) {
-        const QString reason = m_writeError;
-        undo();
-        close();
-        return fail(QStringLiteral("the edit operation was undone because a change failed: ") + reason);
-    }
+    if (!isInterrupted())
+        writePending();
+    const QString undoReason = reasonToUndo();
+    if (!undoReason.isEmpty())
+        return undoWith(undoReason);
     QString reason;
-    const bool committed = m_transaction->commit(&reason);
-    if (!committed)
-        undo();
+    if (!m_transaction->commit(&reason))
+        return undoWith(reason);
+    summary.outcome = TsGdalEditSummary::Committed;
     close();
-    return committed || fail(reason);
+    return true;
+}
+
+QString TsGdalFeatureLayer::Private::reasonToUndo() const
+{
+    if (isInterrupted())
+        return QStringLiteral("the edit operation was interrupted and undone");
+    if (m_writeFailed)
+        return QStringLiteral("the edit operation was undone because a change failed: ") + m_writeError;
+    if (unconvertible == TsGdalFeatureLayer::UndoOperation && summary.valuesNotConvertible > 0)
+        return QStringLiteral("the edit operation was undone because %1 value(s) could not be converted "
+                              "to their field's type (first: %2)")
+            .arg(summary.valuesNotConvertible)
+            .arg(summary.examples.front().toString());
+    return QString();
+}
+
+bool TsGdalFeatureLayer::Private::undoWith(const QString& reason)
+{
+    summary.interrupted = isInterrupted();
+    const QString lost = undo();
+    summary.outcome = TsGdalEditSummary::Undone;
+    close();
+    return fail(lost.isEmpty() ? reason : reason + QStringLiteral("; ") + lost);
 }
 
 bool TsGdalFeatureLayer::Private::abort()
 {
     if (!m_transaction)
         return false;
-    undo();
+    const QString lost = undo();
+    summary.outcome = TsGdalEditSummary::Undone;
     close();
+    if (!lost.isEmpty())
+        fail(lost);
     return true;
 }
 
-void TsGdalFeatureLayer::Private::undo()
+// Neither reads the interruption flag: a second Ctrl-C must not stop the undo.
+QString TsGdalFeatureLayer::Private::undo()
 {
     TsGdalErrorTrap trap;
     m_editing.reset();
     m_pending = false;
     m_transaction->rollback();
     int lost = 0;
+    bool wroteBack = false;
     for (auto& original : m_originals) {
+        if (!original.second)
+            continue;
+        wroteBack = true;
         if (layer->SetFeature(original.second.get()) != OGRERR_NONE)
             ++lost;
     }
-    if (!m_originals.empty())
+    if (wroteBack)
         source->dataset()->FlushCache(false);
     if (lost > 0)
-        fail(QStringLiteral("%1 changed features could not be set back").arg(lost) + trap.reason());
+        return QStringLiteral("%1 changed features could not be set back").arg(lost) + trap.reason();
+    return QString();
 }
 
 void TsGdalFeatureLayer::Private::close()
@@ -143,24 +233,61 @@ void TsGdalFeatureLayer::Private::close()
     source->layerState().interruptAllReading();
 }
 
+bool TsGdalFeatureLayer::Private::isInterrupted() const
+{
+    return m_transaction && TsGdalDataSource::operationsInterrupted();
+}
+
 bool TsGdalFeatureLayer::Private::changeAttribute(int featureId, const TsString& field,
-                                                  const TsVariant& value, bool strict)
+                                                  const TsVariant& value)
 {
     if (!m_transaction)
         return fail(QStringLiteral("no edit operation is open"));
+    if (isInterrupted())
+        return fail(QStringLiteral("the edit operation was interrupted"));
     const int index = fields->FindFieldIndex(field);
     if (index < 0)
         return fail(QStringLiteral("no field \"%1\"").arg(qText(field)));
-    TsVariant converted;
-    if (!fields->GetField(index)->ConvertValue(value, converted) && strict)
-        return fail(QStringLiteral("\"%1\" does not fit the field \"%2\"")
-                        .arg(qText(value.ToString()), qText(field)));
     OGRFeature* feature = featureToEdit(featureId);
     if (!feature)
         return fail(QStringLiteral("no feature %1").arg(featureId));
+    const TsField& target = *fields->GetField(index);
+    TsVariant converted;
+    const OGRFieldDefn& definition = *feature->GetFieldDefnRef(index);
+    if (!convertForField(target, definition, value, converted))
+        return refuse(featureId, target, definition.GetWidth(), value);
+    if (holdsValue(*feature, index, target.GetFieldType(), converted)) {
+        ++summary.valuesUnchanged;
+        return true;
+    }
+    noteChange(*feature);
     writeValue(*feature, index, converted);
+    ++summary.valuesWritten;
     m_pending = true;
     return true;
+}
+
+bool TsGdalFeatureLayer::Private::refuse(int featureId, const TsField& field, int width,
+                                         const TsVariant& value)
+{
+    ++summary.valuesNotConvertible;
+    const TsGdalEditSummary::RefusedValue refused{featureId, qText(field.GetName()), qText(value.ToString()),
+                                                  field.GetFieldType(), std::max(width, 0)};
+    if (summary.examples.size() < static_cast<std::size_t>(TsGdalEditSummary::MaxExamples))
+        summary.examples.push_back(refused);
+    return fail(refused.toString() + QStringLiteral(" does not fit the field, which keeps its value"));
+}
+
+// The first change of a feature keeps it as it was, where there is no
+// transaction to roll back.
+void TsGdalFeatureLayer::Private::noteChange(const OGRFeature& feature)
+{
+    const auto noted = m_originals.try_emplace(feature.GetFID());
+    if (!noted.second)
+        return;
+    ++summary.featuresChanged;
+    if (!m_transaction->isNative())
+        noted.first->second.reset(feature.Clone());
 }
 
 void TsGdalFeatureLayer::Private::keepForEditing(OGRFeatureUniquePtr feature)
@@ -178,8 +305,6 @@ OGRFeature* TsGdalFeatureLayer::Private::featureToEdit(int featureId)
         if (!layer->TestCapability(OLCRandomRead))
             source->layerState().interruptReading(layer);
     }
-    if (m_editing && !m_transaction->isNative() && !m_originals.count(featureId))
-        m_originals.emplace(featureId, OGRFeatureUniquePtr(m_editing->Clone()));
     return m_editing.get();
 }
 
@@ -235,6 +360,21 @@ QString TsGdalFeatureLayer::errorString() const
     return d->error;
 }
 
+void TsGdalFeatureLayer::setUnconvertibleValues(UnconvertibleValues policy)
+{
+    d->unconvertible = policy;
+}
+
+TsGdalFeatureLayer::UnconvertibleValues TsGdalFeatureLayer::unconvertibleValues() const
+{
+    return d->unconvertible;
+}
+
+TsGdalEditSummary TsGdalFeatureLayer::editSummary() const
+{
+    return d->summary;
+}
+
 TsQueryFilter TsGdalFeatureLayer::query_filter() const
 {
     return d->filter;
@@ -272,6 +412,9 @@ bool TsGdalFeatureLayer::Search(const TsQueryFilter& filter, std::vector<int>& i
 // most likely to be one of its fields.
 TsRefPtr<TsFeature> TsGdalFeatureLayer::GetFeature(int id)
 {
+    // What is left of an interrupted operation is skipped rather than read.
+    if (d->isInterrupted())
+        return nullptr;
     d->source->layerState().writePending();
     TsGdalErrorTrap trap;
     OGRFeatureUniquePtr feature{d->layer->GetFeature(id)};

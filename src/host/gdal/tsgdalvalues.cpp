@@ -200,6 +200,62 @@ void writeValue(OGRFeature& feature, int index, const TsVariant& value)
     }
 }
 
+namespace {
+
+// Formats with fixed-width fields (a shapefile's) cut a text or a number that
+// is longer than the field; the driver at most warns.
+bool fitsWidth(const OGRFieldDefn& definition, const TsVariant& value)
+{
+    const int width = definition.GetWidth();
+    if (width <= 0)
+        return true;
+    switch (definition.GetType()) {
+    case OFTInteger:
+    case OFTInteger64:
+        return QString::number(value.GetInt64()).size() <= width;
+    case OFTReal:
+        return QString::number(value.GetDouble(), 'f', definition.GetPrecision()).size() <= width;
+    case OFTString:
+        return static_cast<int>(value.ToString().toUtf8().size()) <= width;
+    default:
+        return true;
+    }
+}
+
+} // namespace
+
+bool convertForField(const TsField& field, const OGRFieldDefn& definition, const TsVariant& value,
+                     TsVariant& converted)
+{
+    if (!field.ConvertValue(value, converted))
+        return false;
+    if (converted.IsNull())
+        return true;
+    if (!fitsWidth(definition, converted))
+        return false;
+    if (definition.GetType() == OFTInteger && definition.GetSubType() == OFSTBoolean) {
+        const std::int64_t flag = converted.GetInt64();
+        return flag == 0 || flag == 1;
+    }
+    if (definition.GetType() == OFTDate) {
+        const std::int64_t msecsPerDay = 86400000;
+        const std::int64_t msecs = converted.GetDateTime();
+        converted = TsVariant::fromDateTime(msecs - ((msecs % msecsPerDay) + msecsPerDay) % msecsPerDay);
+    }
+    return true;
+}
+
+bool holdsValue(const OGRFeature& feature, int index, TsField::FieldType type, const TsVariant& value)
+{
+    const TsVariant held = readValue(feature, index, type);
+    if (type == TsField::StringField) {
+        const auto isBlank = [](const TsVariant& text) { return text.IsNull() || text.ToString().IsEmpty(); };
+        if (isBlank(held) && isBlank(value))
+            return true;
+    }
+    return held == value;
+}
+
 TsRefPtr<TsGeometry> readGeometry(const OGRGeometry* geometry)
 {
     geometry = singlePart(geometry);
