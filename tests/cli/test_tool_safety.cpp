@@ -206,6 +206,23 @@ TEST_F(ToolSafety, TheOutputIsNeverTheInput)
     }
 }
 
+TEST_F(ToolSafety, TheDemoWritesOnlyIntoItsOwnFolder)
+{
+    const QString folder = file(QStringLiteral("survey"));
+    ASSERT_TRUE(QDir().mkpath(folder));
+    const QString own = QDir(folder).filePath(QStringLiteral("countries.gpkg"));
+    writeBytes(own, "the only copy of a survey");
+    const ToolRun refused = vygis({QStringLiteral("demo"), folder});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_TRUE(refused.err.contains(folder)) << refused.err.toStdString();
+    EXPECT_EQ(bytesOf(own), QByteArray("the only copy of a survey"));
+    EXPECT_EQ(QDir(folder).entryList(QDir::Files | QDir::Hidden), QStringList{"countries.gpkg"});
+
+    const QString demo = file(QStringLiteral("demo"));
+    EXPECT_EQ(vygis({QStringLiteral("demo"), demo}).status, 0);
+    EXPECT_EQ(vygis({QStringLiteral("demo"), demo}).status, 0) << "a demo's own folder may be written again";
+}
+
 TEST_F(ToolSafety, AMissingFolderIsNamed)
 {
     const QString output = file(QStringLiteral("no/such/folder/out.xlsx"));

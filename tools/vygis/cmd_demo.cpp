@@ -3,6 +3,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 
 namespace {
@@ -19,6 +20,29 @@ QString findSamples(const QString& given)
     return QStringLiteral(VYGIS_SAMPLES_DIR);
 }
 
+// The demo writes two dozen files with common names (countries.gpkg, cities.csv, ...)
+// into its folder. It only writes into a new or empty folder, or one an earlier demo
+// made, which it marks, so that it never replaces a user's own files of those names.
+const QString demoMark = QStringLiteral(".vygis-demo-output");
+
+QString folderRefusal(const QDir& out)
+{
+    if (QFileInfo(out.path()).exists() && !QFileInfo(out.path()).isDir())
+        return QStringLiteral("%1 is a file, not a folder").arg(out.path());
+    if (!out.exists() || out.exists(demoMark)
+        || out.entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden).isEmpty())
+        return QString();
+    return QStringLiteral("%1 holds files an earlier demo did not make; the demo only writes "
+                          "into a new or empty folder, or one it made before").arg(out.path());
+}
+
+bool markAsDemoFolder(const QDir& out)
+{
+    QFile mark(out.filePath(demoMark));
+    return mark.open(QIODevice::WriteOnly)
+        && mark.write("This folder holds the output of 'vygis demo', which may replace its files.\n") > 0;
+}
+
 int runDemo(const QString& samples, const QString& output)
 {
     if (!QFileInfo(samples + QStringLiteral("/cities.xlsx")).isFile()) {
@@ -26,7 +50,12 @@ int runDemo(const QString& samples, const QString& output)
         return ExitFailure;
     }
     QDir out(output);
-    if (!out.mkpath(QStringLiteral("."))) {
+    const QString refusal = folderRefusal(out);
+    if (!refusal.isEmpty()) {
+        printError(QStringLiteral("vygis demo: %1").arg(refusal));
+        return ExitFailure;
+    }
+    if (!out.mkpath(QStringLiteral(".")) || !markAsDemoFolder(out)) {
         printError(QStringLiteral("vygis demo: cannot create the output folder %1").arg(output));
         return ExitFailure;
     }
@@ -63,7 +92,8 @@ Command demoCommand()
         "Usage: vygis demo [OUTPUT_FOLDER] [--samples FOLDER]\n\n"
         "Runs the library on the sample data bundled with the project and writes every\n"
         "result into OUTPUT_FOLDER (default: vygis-demo-output in the current folder),\n"
-        "then prints what each file holds.");
+        "then prints what each file holds. OUTPUT_FOLDER must be new, empty or made by an\n"
+        "earlier demo: the demo never writes among other files.");
     command.run = [](const QStringList& arguments) {
         QString output = QStringLiteral("vygis-demo-output");
         QString samples;
