@@ -160,6 +160,7 @@ struct VYGIS_GDAL_EXPORT TsGdalEditSummary
     long long valuesWritten = 0;
     long long valuesUnchanged = 0;      // equal to what the field held: not written
     long long valuesNotConvertible = 0; // not written: the field kept its value
+    long long featuresNotSetBack = 0;   // undone, yet these could not be written back
     std::vector<RefusedValue> examples; // the first MaxExamples values not convertible
 
     // "32-bit integer", "date", "text", ... for messages.

@@ -218,6 +218,7 @@ QString TsGdalFeatureLayer::Private::undo()
     }
     if (wroteBack)
         source->dataset()->FlushCache(false);
+    summary.featuresNotSetBack = lost;
     if (lost > 0)
         return QStringLiteral("%1 changed features could not be set back").arg(lost) + trap.reason();
     return QString();
