@@ -1,0 +1,240 @@
+// vygis join as a user runs it: what it refuses before touching the layer, the
+// counts it gives, values that do not fit, Ctrl-C, and exported workbooks joined back.
+
+#include "clitesting.h"
+
+#include "tsgdal.h"
+#include "xlsxdocument.h"
+
+#include <QFileInfo>
+
+#include <csignal>
+
+using namespace VyObjects;
+
+namespace {
+
+QByteArray bytesOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void writeBytes(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(bytes);
+}
+
+// The bytes of a layer's attributes: a shapefile's .dbf, or the whole file.
+QByteArray attributeBytes(const QString& path)
+{
+    if (!path.endsWith(QLatin1String(".shp")))
+        return bytesOf(path);
+    return bytesOf(path.left(path.size() - 3) + QStringLiteral("dbf"));
+}
+
+// A compound document with the given directory entries, as Excel writes encrypted
+// workbooks (EncryptionInfo, EncryptedPackage) and 97-2003 ones (Workbook).
+QByteArray compoundDocument(const QStringList& streams)
+{
+    QByteArray bytes("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", 8);
+    bytes.append(QByteArray(504, '\0'));
+    for (const QString& stream : streams)
+        bytes.append(QByteArray(reinterpret_cast<const char*>(stream.utf16()), stream.size() * 2).leftJustified(128, '\0'));
+    return bytes.leftJustified(4096, '\0');
+}
+
+QString text(const TsVariant& value)
+{
+    return QString::fromStdWString(value.ToString().toStdWString());
+}
+
+} // namespace
+
+class ToolJoin : public ToolTest, public ::testing::WithParamInterface<const char*>
+{
+protected:
+    // Parcels: PARCEL (key), OWNER, CODE (32-bit), AREA (2 decimals), SINCE (date).
+    QString parcels(const QString& baseName = QStringLiteral("parcels"))
+    {
+        const QString path = file(baseName + QLatin1Char('.') + QString::fromLatin1(GetParam()));
+        QString error;
+        const TsRefPtr<TsGdalDataSource> source = TsGdalDataSource::create(path, &error);
+        EXPECT_TRUE(source && source->createLayer(baseName, TsLayer::PointLayer,
+                                                  {{"PARCEL"}, {"OWNER"}, {"CODE", TsField::IntegerField},
+                                                   {"AREA", TsField::DoubleField, QString(), 2},
+                                                   {"SINCE", TsField::DateField}},
+                                                  &error))
+            << error.toStdString();
+        const TsRefPtr<TsGdalFeatureWriter> writer = source->featureWriter(baseName, &error);
+        EXPECT_TRUE(writer) << error.toStdString();
+        if (!writer)
+            return path;
+        writer->addFeature({"P-1", "Ann", 1, 10.5, TsVariant::fromDateTime(0)}, point());
+        writer->addFeature({"P-2", TsVariant::null(), 2, 20.25, TsVariant::null()}, point());
+        writer->addFeature({"P-3", "Bob", 3, 30.0, TsVariant::null()}, point());
+        writer->addFeature({"P-4", "Cy", 4, 40.0, TsVariant::null()}, point());
+        EXPECT_TRUE(writer->commit(&error)) << error.toStdString();
+        return path;
+    }
+
+    static TsRefPtr<TsGeometry> point() { return TsRefPtr<TsGeometry>(new TsGeoPoint(1.0, 2.0)); }
+
+    // A sheet whose rows hold the given values from A1.
+    QString workbook(const QList<QVariantList>& rows, const QString& name = QStringLiteral("join.xlsx"))
+    {
+        QXlsx::Document document;
+        for (int r = 0; r < rows.size(); ++r)
+            for (int c = 0; c < rows[r].size(); ++c)
+                document.write(r + 1, c + 1, rows[r][c]);
+        EXPECT_TRUE(document.saveAs(file(name)));
+        return file(name);
+    }
+
+    static ToolRun join(const QString& workbook, const QString& layer, const QStringList& more = {})
+    {
+        return vygis(QStringList{QStringLiteral("join"), workbook, layer, QStringLiteral("--key"),
+                                 QStringLiteral("parcel")}
+                     + more);
+    }
+
+    // The value of field of every feature of the layer at path, in order.
+    static QStringList values(const QString& path, const char* field)
+    {
+        QString error;
+        const TsRefPtr<TsGdalDataSource> source = TsGdalDataSource::open(path, TsGdalDataSource::ReadOnly, &error);
+        const TsRefPtr<TsFeatureLayer> layer = source ? source->featureLayer(QString(), &error) : nullptr;
+        QStringList texts;
+        const TsRefPtr<TsFeatureCursor> cursor = layer ? layer->GetFeatureCursor(TsQueryFilter()) : nullptr;
+        while (cursor) {
+            const TsRefPtr<TsFeature> feature = cursor->NextFeature();
+            if (!feature)
+                break;
+            TsVariant value;
+            feature->GetValue(TsString(field), value);
+            texts.append(text(value));
+        }
+        return texts;
+    }
+};
+
+TEST_P(ToolJoin, CountsWhatMatchedAndWhatWasWritten)
+{
+    const QString layer = parcels();
+    const QString book = workbook({{"PARCEL", "OWNER", "CODE"},
+                                   {"P-1", "Ann", "1"},        // both unchanged
+                                   {"P-9", "Nobody", "9"},     // no feature
+                                   {"P-2", "Dora", "20"},
+                                   {"P-3", "Eve", "3"},
+                                   {"P-2", "Dora", "22"}});    // the later P-2 wins
+    const ToolRun run = join(book, layer);
+    EXPECT_EQ(run.status, 0) << run.err.toStdString();
+    EXPECT_EQ(lines(run.err), (QStringList{
+                                  QStringLiteral("vygis join: %1 from %2:").arg(layer, book),
+                                  "  features joined: 3",
+                                  "  features with no row: 1",
+                                  "  rows matching no feature: 1 (first: row 3, key \"P-9\")",
+                                  "  duplicate keys: 1 (first: \"P-2\" in rows 4 and 6; row 6 was used)",
+                                  "  values written: 3",
+                                  "  values unchanged: 3",
+                                  "  values not convertible: 0",
+                              }));
+    EXPECT_EQ(values(layer, "OWNER"), (QStringList{"Ann", "Dora", "Eve", "Cy"}));
+    EXPECT_EQ(values(layer, "CODE"), (QStringList{"1", "22", "3", "4"}));
+}
+
+TEST_P(ToolJoin, UnconvertibleValuesUndoTheJoin)
+{
+    const QString layer = parcels();
+    const QByteArray before = attributeBytes(layer);
+    const QString book = workbook({{"PARCEL", "OWNER", "CODE", "SINCE"},
+                                   {"P-1", "Zed", "lots", "2020-01-02"},
+                                   {"P-2", "Yan", "20200000000", "45000"}});
+    const ToolRun run = join(book, layer);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(run.err.contains(QStringLiteral("values not convertible: 3\n"))) << run.err.toStdString();
+    EXPECT_TRUE(run.err.contains(QStringLiteral("field CODE (32-bit integer"))) << run.err.toStdString();
+    EXPECT_TRUE(run.err.contains(QStringLiteral("field SINCE (date")) && run.err.contains("\"45000\""))
+        << run.err.toStdString();
+    EXPECT_TRUE(run.err.contains(QStringLiteral("3 value(s) could not be converted to their field's type; "
+                                                "the join was undone and %1 was left as it was").arg(layer)))
+        << run.err.toStdString();
+    EXPECT_EQ(attributeBytes(layer), before);
+}
+
+TEST_P(ToolJoin, KeepGoingWritesTheRestAndKeepsTheOldValuesOfThose)
+{
+    const QString layer = parcels();
+    const QString book = workbook({{"PARCEL", "OWNER", "CODE"}, {"P-1", "Zed", "lots"}, {"P-2", "Yan", "20"}});
+    const ToolRun run = join(book, layer, {QStringLiteral("--keep-going")});
+    EXPECT_EQ(run.status, 0) << run.err.toStdString();
+    EXPECT_TRUE(run.err.contains(QStringLiteral("values not convertible: 1\n"))) << run.err.toStdString();
+    EXPECT_EQ(values(layer, "OWNER"), (QStringList{"Zed", "Yan", "Bob", "Cy"}));
+    EXPECT_EQ(values(layer, "CODE"), (QStringList{"1", "20", "3", "4"}));
+}
+
+TEST_P(ToolJoin, MapToAFieldTheLayerLacksIsRefused)
+{
+    const QString layer = parcels();
+    const QByteArray before = attributeBytes(layer);
+    const QString book = workbook({{"PARCEL", "HOLDER"}, {"P-1", "Zed"}});
+    const ToolRun run = join(book, layer, {QStringLiteral("--map"), QStringLiteral("holder=nosuchfield")});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_TRUE(run.err.contains(QStringLiteral("has no field nosuchfield"))) << run.err.toStdString();
+    EXPECT_EQ(attributeBytes(layer), before);
+}
+
+TEST_P(ToolJoin, WorkbookWithNoColumnForAFieldIsRefused)
+{
+    const QString layer = parcels();
+    const QByteArray before = attributeBytes(layer);
+    const QString book = workbook({{"PARCEL", "Holder", "Size (m2)"}, {"P-1", "Zed", "5"}});
+    const ToolRun run = join(book, layer);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(run.err.contains(QStringLiteral("no column goes to a field of %1 (headers besides the key: "
+                                                "\"HOLDER\", \"SIZE \"); nothing was changed").arg(layer)))
+        << run.err.toStdString();
+    EXPECT_EQ(attributeBytes(layer), before);
+}
+
+TEST_P(ToolJoin, InputsThatAreNoWorkbooksLeaveTheLayerAlone)
+{
+    const QString layer = parcels();
+    const QByteArray before = attributeBytes(layer);
+    struct Input
+    {
+        QString name;
+        QByteArray bytes;
+        const char* kind;
+    };
+    const QList<Input> inputs = {
+        {"owners.csv", "PARCEL,OWNER\nP-1,Zed\n", "text file"},
+        {"owners.xls", compoundDocument({"Root Entry", "Workbook"}), "Excel 97-2003"},
+        {"locked.xlsx", compoundDocument({"Root Entry", "EncryptionInfo", "EncryptedPackage"}), "encrypted"},
+        {"empty.xlsx", QByteArray(), "empty file"},
+    };
+    for (const Input& input : inputs) {
+        writeBytes(file(input.name), input.bytes);
+        const ToolRun run = join(file(input.name), layer);
+        EXPECT_EQ(run.status, 1) << input.kind;
+        EXPECT_TRUE(run.err.contains(input.name) && run.err.contains(input.kind)) << run.err.toStdString();
+        EXPECT_EQ(attributeBytes(layer), before) << input.kind;
+    }
+    const QString ods = file(QStringLiteral("owners.ods"));
+    ASSERT_EQ(QProcess::execute(QStringLiteral("python3"),
+                                {QStringLiteral("-c"),
+                                 QStringLiteral("import sys, zipfile\n"
+                                                "with zipfile.ZipFile(sys.argv[1], 'w') as z:\n"
+                                                "    z.writestr('mimetype', 'application/vnd.oasis.opendocument.spreadsheet')\n"
+                                                "    z.writestr('content.xml', '<office:document-content/>')\n"),
+                                 ods}),
+              0);
+    const ToolRun run = join(ods, layer);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(run.err.contains(QStringLiteral("OpenDocument"))) << run.err.toStdString();
+    EXPECT_EQ(attributeBytes(layer), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(Formats, ToolJoin, ::testing::Values("gpkg", "shp"));
