@@ -7,8 +7,7 @@
 #include "xlsxdocument.h"
 
 #include <QFileInfo>
-
-#include <csignal>
+#include <QThread>
 
 using namespace VyObjects;
 
@@ -46,8 +45,11 @@ QByteArray compoundDocument(const QStringList& streams)
     return bytes.leftJustified(4096, '\0');
 }
 
+// A null stands apart from an empty text.
 QString text(const TsVariant& value)
 {
+    if (value.IsNull() || value.IsEmpty())
+        return QStringLiteral("<null>");
     return QString::fromStdWString(value.ToString().toStdWString());
 }
 
@@ -238,3 +240,140 @@ TEST_P(ToolJoin, InputsThatAreNoWorkbooksLeaveTheLayerAlone)
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, ToolJoin, ::testing::Values("gpkg", "shp"));
+
+// Every kind of value a layer holds survives being exported and joined back.
+class ToolJoinRoundTrip : public ToolJoin
+{
+protected:
+    static constexpr const char* Fields[] = {"NAME", "COUNT", "BIG", "SINCE", "AT", "AREA", "RATIO"};
+
+    QString everyKindOfValue()
+    {
+        const QString path = file(QStringLiteral("values.") + QString::fromLatin1(GetParam()));
+        QString error;
+        const TsRefPtr<TsGdalDataSource> source = TsGdalDataSource::create(path, &error);
+        EXPECT_TRUE(source && source->createLayer(QStringLiteral("values"), TsLayer::PointLayer,
+                                                  {{"PARCEL"}, {"NAME"}, {"COUNT", TsField::IntegerField},
+                                                   {"BIG", TsField::BigIntegerField}, {"SINCE", TsField::DateField},
+                                                   {"AT", TsField::DateField},
+                                                   {"AREA", TsField::DoubleField, QString(), 2},
+                                                   {"RATIO", TsField::DoubleField}},
+                                                  &error))
+            << error.toStdString();
+        const TsRefPtr<TsGdalFeatureWriter> writer = source->featureWriter(QStringLiteral("values"), &error);
+        EXPECT_TRUE(writer) << error.toStdString();
+        if (!writer)
+            return path;
+        const std::int64_t beyondDoubles = (std::int64_t(1) << 53) + 1;
+        const std::int64_t leapDay = 1582934400000;     // 2020-02-29
+        const std::int64_t afternoon = 1625060710000;   // 2021-06-30 13:45:10
+        const TsVariant null = TsVariant::null();
+        writer->addFeature({"P-1", "Zürich – 東京", 7, beyondDoubles, TsVariant::fromDateTime(leapDay),
+                            TsVariant::fromDateTime(afternoon), 12.34, 0.1 + 0.2}, point());
+        writer->addFeature({"P-2", null, null, null, null, null, null, null}, point());
+        writer->addFeature({"P-3", "", -7, -beyondDoubles, TsVariant::fromDateTime(0),
+                            TsVariant::fromDateTime(afternoon + 999), -0.5, 1.0 / 3.0}, point());
+        EXPECT_TRUE(writer->commit(&error)) << error.toStdString();
+        return path;
+    }
+};
+
+TEST_P(ToolJoinRoundTrip, ExportedWorkbookJoinedBackChangesNothing)
+{
+    const QString layer = everyKindOfValue();
+    std::map<const char*, QStringList> before;
+    for (const char* field : Fields)
+        before[field] = values(layer, field);
+    const QByteArray bytes = attributeBytes(layer);
+    const QString book = file(QStringLiteral("values.xlsx"));
+    const ToolRun exported = vygis({QStringLiteral("export"), layer, book});
+    ASSERT_EQ(exported.status, 0) << exported.err.toStdString();
+
+    const ToolRun run = join(book, layer);
+    EXPECT_EQ(run.status, 0) << run.err.toStdString();
+    EXPECT_TRUE(run.err.contains(QStringLiteral("features joined: 3\n"))) << run.err.toStdString();
+    EXPECT_TRUE(run.err.contains(QStringLiteral("values written: 0\n  values unchanged: 21\n"))) << run.err.toStdString();
+    for (const char* field : Fields)
+        EXPECT_EQ(values(layer, field), before[field]) << field;
+    EXPECT_EQ(attributeBytes(layer), bytes);
+}
+
+INSTANTIATE_TEST_SUITE_P(Formats, ToolJoinRoundTrip, ::testing::Values("gpkg", "shp"));
+
+#ifdef Q_OS_UNIX
+#include <csignal>
+#include <sys/types.h>
+
+// A shapefile has no transactions: an interrupted join must write the old values back.
+class ToolJoinInterrupted : public ToolJoin
+{
+protected:
+    static constexpr int Features = 200000;
+
+    QString manyParcels()
+    {
+        const QString path = file(QStringLiteral("many.shp"));
+        QString error;
+        const TsRefPtr<TsGdalDataSource> source = TsGdalDataSource::create(path, &error);
+        EXPECT_TRUE(source && source->createLayer(QStringLiteral("many"), TsLayer::PointLayer,
+                                                  {{"PARCEL"}, {"OWNER"}}, &error))
+            << error.toStdString();
+        const TsRefPtr<TsGdalFeatureWriter> writer = source->featureWriter(QStringLiteral("many"), &error);
+        for (int i = 0; writer && i < Features; ++i)
+            writer->addFeature({TsString(QStringLiteral("P-%1").arg(i).toStdWString()), "old"}, point());
+        EXPECT_TRUE(writer && writer->commit(&error)) << error.toStdString();
+        return path;
+    }
+
+    QString newOwners()
+    {
+        QXlsx::Document document;
+        document.write(1, 1, QStringLiteral("PARCEL"));
+        document.write(1, 2, QStringLiteral("OWNER"));
+        for (int i = 0; i < Features; ++i) {
+            document.write(i + 2, 1, QStringLiteral("P-%1").arg(i));
+            document.write(i + 2, 2, QStringLiteral("new"));
+        }
+        EXPECT_TRUE(document.saveAs(file(QStringLiteral("owners.xlsx"))));
+        return file(QStringLiteral("owners.xlsx"));
+    }
+
+    // The first records of a .dbf, which the join rewrites first.
+    static QByteArray firstRecords(const QString& dbf)
+    {
+        QFile file(dbf);
+        return file.open(QIODevice::ReadOnly) ? file.read(1 << 16) : QByteArray();
+    }
+};
+
+TEST_P(ToolJoinInterrupted, CtrlCDuringTheJoinLeavesTheShapefileAsItWas)
+{
+    const QString layer = manyParcels();
+    const QString dbf = file(QStringLiteral("many.dbf"));
+    const QByteArray before = bytesOf(dbf);
+    const QString book = newOwners();
+
+    QProcess process;
+    process.start(QStringLiteral(VYGIS_TOOL), {QStringLiteral("join"), book, layer, QStringLiteral("--key"),
+                                               QStringLiteral("parcel")});
+    ASSERT_TRUE(process.waitForStarted());
+    // Once the first records have changed, the join is under way.
+    const QByteArray untouched = before.left(1 << 16);
+    while (process.state() == QProcess::Running && firstRecords(dbf) == untouched)
+        QThread::msleep(5);
+    ASSERT_EQ(process.state(), QProcess::Running) << "the join ended before it could be interrupted";
+    const auto pid = static_cast<pid_t>(process.processId());
+    ::kill(pid, SIGINT);
+    // A second signal must not cut the undo short.
+    QThread::msleep(2);
+    ::kill(pid, SIGTERM);
+    ASSERT_TRUE(process.waitForFinished(120000));
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(process.exitCode(), 130);
+    const QString err = QString::fromUtf8(process.readAllStandardError());
+    EXPECT_TRUE(err.contains(QStringLiteral("interrupted; %1 was left as it was").arg(layer))) << err.toStdString();
+    EXPECT_TRUE(bytesOf(dbf) == before) << "the .dbf changed";
+}
+
+INSTANTIATE_TEST_SUITE_P(Formats, ToolJoinInterrupted, ::testing::Values("shp"));
+#endif
