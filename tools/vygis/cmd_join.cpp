@@ -7,6 +7,7 @@
 #include "joinwatch.h"
 #include "joinworkbook.h"
 #include "layersource.h"
+#include "terminalprogress.h"
 #include "vygisutil.h"
 
 using namespace VyObjects;
@@ -81,7 +82,7 @@ int checkColumns(const JoinRequest& request, const JoinWorkbook& workbook, const
 }
 
 // Everything that can be known before the layer is opened for update.
-int checkBeforeJoining(const JoinRequest& request, JoinWorkbook& workbook)
+int checkBeforeJoining(const JoinRequest& request, JoinWorkbook& workbook, TerminalProgress& progress)
 {
     const QString refusal = workbookInputRefusal(request.workbook);
     if (!refusal.isEmpty())
@@ -92,7 +93,10 @@ int checkBeforeJoining(const JoinRequest& request, JoinWorkbook& workbook)
         return failure(commandName, error);
     if (!layer->FindField(tsText(request.keyName)))
         return failure(commandName, QStringLiteral("%1: the layer has no field %2").arg(request.layer, request.keyName));
-    if (!workbook.read(request.workbook, request.keyName))
+    progress.step(QStringLiteral("checking %1").arg(request.workbook));
+    const bool keyFound = workbook.read(request.workbook, request.keyName);
+    progress.finish();
+    if (!keyFound)
         return failure(commandName, QStringLiteral("%1: The assocation field is not consistent with "
                                                    "the excel key field! (no column %2 in row 1 or 2)")
                                         .arg(request.workbook, request.keyName));
@@ -132,7 +136,7 @@ int reportUndone(const JoinRequest& request, const TsGdalFeatureLayer& layer)
     return failure(commandName, layer.errorString());
 }
 
-int join(const JoinRequest& request, const JoinWorkbook& workbook)
+int join(const JoinRequest& request, const JoinWorkbook& workbook, TerminalProgress& progress)
 {
     QString error;
     const TsRefPtr<TsFeatureLayer> opened = openFeatureLayer(request.layer, TsGdalDataSource::Update, &error);
@@ -144,12 +148,13 @@ int join(const JoinRequest& request, const JoinWorkbook& workbook)
             return failure(commandName, error);
     layer->setUnconvertibleValues(request.keepGoing ? TsGdalFeatureLayer::KeepOldValues
                                                     : TsGdalFeatureLayer::UndoOperation);
-    const auto watched = TsRefPtr<WatchedJoinLayer>::create(TsRefPtr<TsFeatureLayer>(layer), request.keyName);
+    const auto watched = TsRefPtr<WatchedJoinLayer>::create(TsRefPtr<TsFeatureLayer>(layer), request.keyName, progress);
     bool ran = false;
     {
         const InterruptionGuard guard;
+        progress.step(QStringLiteral("reading %1").arg(request.workbook));
         ran = VyExcelUtil::assocationFromExcel(request.workbook, request.keyName, watched.get(), request.fieldNames);
-        watched->finishProgress();
+        progress.finish();
     }
     const TsGdalEditSummary summary = layer->editSummary();
     if (InterruptionGuard::interrupted())
@@ -181,8 +186,9 @@ int runJoin(const QStringList& arguments)
     if (!parseFieldMap(parsed.values(QStringLiteral("--map")), request.fieldNames, bad))
         return usageError(commandName, QStringLiteral("--map %1: expected HEADER=FIELD").arg(bad));
     JoinWorkbook workbook;
-    const int checked = checkBeforeJoining(request, workbook);
-    return checked != ExitSuccess ? checked : join(request, workbook);
+    TerminalProgress progress(QStringLiteral("vygis join: "));
+    const int checked = checkBeforeJoining(request, workbook, progress);
+    return checked != ExitSuccess ? checked : join(request, workbook, progress);
 }
 
 } // namespace

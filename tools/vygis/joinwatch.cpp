@@ -19,12 +19,13 @@ QString keyText(const TsVariant& value, const TsField& keyField)
 
 } // namespace
 
-WatchedJoinLayer::WatchedJoinLayer(const TsRefPtr<TsFeatureLayer>& layer, const QString& keyName)
+WatchedJoinLayer::WatchedJoinLayer(const TsRefPtr<TsFeatureLayer>& layer, const QString& keyName,
+                                   TerminalProgress& progress)
     : TsFeatureLayer(layer->GetLayerName(), layer->GetLayerType()),
       m_layer(layer),
       m_keyName(tsText(keyName)),
       m_keyField(layer->FindField(m_keyName)),
-      m_progress(QStringLiteral("vygis join: "))
+      m_progress(progress)
 {
 }
 
@@ -60,7 +61,7 @@ TsRefPtr<TsFeature> WatchedJoinLayer::GetFeature(int id)
     TsRefPtr<TsFeature> feature = m_layer->GetFeature(id);
     if (feature)
         noteKey(*feature);
-    m_progress.show(++m_featuresRead, m_featuresToRead, QStringLiteral("features"));
+    m_progress.count(++m_featuresRead, m_featuresToRead, QStringLiteral("features"));
     return feature;
 }
 
@@ -85,12 +86,12 @@ TsRefPtr<TsLayerEditBuffer> WatchedJoinLayer::layer_edit_buffer()
 
 bool WatchedJoinLayer::CommitOperation()
 {
-    m_progress.finish();
+    m_progress.step(QStringLiteral("finishing"));
     return m_layer->CommitOperation();
 }
 
 bool WatchedJoinLayer::AbortOperation()
 {
-    m_progress.finish();
+    m_progress.step(QStringLiteral("undoing"));
     return m_layer->AbortOperation();
 }

@@ -12,11 +12,11 @@
 class WatchedJoinLayer : public VyObjects::TsFeatureLayer
 {
 public:
-    WatchedJoinLayer(const VyObjects::TsRefPtr<VyObjects::TsFeatureLayer>& layer, const QString& keyName);
+    WatchedJoinLayer(const VyObjects::TsRefPtr<VyObjects::TsFeatureLayer>& layer, const QString& keyName,
+                     TerminalProgress& progress);
 
     // How many features the join read, by key text.
     const QHash<QString, long long>& featuresByKey() const { return m_featuresByKey; }
-    void finishProgress() { m_progress.finish(); }
 
     VyObjects::TsQueryFilter query_filter() const override;
     VyObjects::TsRefPtr<VyObjects::TsFields> GetFields() const override;
@@ -38,5 +38,5 @@ private:
     QHash<QString, long long> m_featuresByKey;
     long long m_featuresRead = 0;
     long long m_featuresToRead = 0;
-    TerminalProgress m_progress;
+    TerminalProgress& m_progress;
 };

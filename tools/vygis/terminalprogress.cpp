@@ -10,8 +10,7 @@
 
 namespace {
 
-const qint64 FirstShownAfter = 1000;   // milliseconds: short jobs show nothing
-const qint64 ShownEvery = 200;
+const qint64 ShownEvery = 200;   // milliseconds
 
 bool errorStreamIsTerminal()
 {
@@ -27,7 +26,6 @@ bool errorStreamIsTerminal()
 TerminalProgress::TerminalProgress(const QString& prefix)
     : m_prefix(prefix), m_terminal(errorStreamIsTerminal())
 {
-    m_running.start();
 }
 
 TerminalProgress::~TerminalProgress()
@@ -35,28 +33,37 @@ TerminalProgress::~TerminalProgress()
     finish();
 }
 
-void TerminalProgress::show(long long done, long long total, const QString& what)
+void TerminalProgress::step(const QString& text)
 {
-    if (!m_terminal)
+    if (m_terminal)
+        show(text);
+}
+
+void TerminalProgress::count(long long done, long long total, const QString& what)
+{
+    if (!m_terminal || (m_sinceShown.isValid() && m_sinceShown.elapsed() < ShownEvery))
         return;
-    const qint64 now = m_running.elapsed();
-    if (now < FirstShownAfter || (m_shown && now - m_lastShown < ShownEvery))
-        return;
-    m_lastShown = now;
-    m_shown = true;
-    const int percent = total > 0 ? static_cast<int>(done * 100 / total) : 100;
-    const QByteArray line = QStringLiteral("%1%2 of %3 %4 (%5%)")
-                                .arg(m_prefix).arg(done).arg(total).arg(what).arg(percent)
-                                .toLocal8Bit();
-    std::fprintf(stderr, "\r%s", line.constData());
+    const long long percent = total > 0 ? done * 100 / total : 100;
+    show(QStringLiteral("%1 of %2 %3 (%4%)").arg(done).arg(total).arg(what).arg(percent));
+}
+
+// Blanks cover what is left of a longer line: a console may not know escape codes.
+void TerminalProgress::show(const QString& text)
+{
+    const QByteArray line = (m_prefix + text).toLocal8Bit();
+    const int blanks = qMax(0, m_shownLength - line.size());
+    std::fprintf(stderr, "\r%s%*s", line.constData(), blanks, "");
     std::fflush(stderr);
+    m_shownLength = line.size();
+    m_sinceShown.start();
 }
 
 void TerminalProgress::finish()
 {
-    if (!m_shown)
+    if (m_shownLength == 0)
         return;
-    m_shown = false;
-    std::fputc('\n', stderr);
+    std::fprintf(stderr, "\r%*s\r", m_shownLength, "");
     std::fflush(stderr);
+    m_shownLength = 0;
+    m_sinceShown.invalidate();
 }

@@ -3,9 +3,10 @@
 #include <QElapsedTimer>
 #include <QString>
 
-// "vygis join: 120000 of 200000 features (60%)" on standard error, rewritten in place,
-// for a job that has run a second already, and only when standard error is a terminal:
-// a log or a pipe gets no progress lines.
+// One line of progress on standard error, such as "vygis join: reading owners.xlsx" or
+// "vygis join: 120000 of 200000 features (60%)", rewritten in place and wiped when the
+// job ends, so that only the job's own messages stay. Shown only when standard error
+// is a terminal: a log or a pipe gets no progress lines.
 class TerminalProgress
 {
 public:
@@ -15,15 +16,18 @@ public:
     TerminalProgress(const TerminalProgress&) = delete;
     TerminalProgress& operator=(const TerminalProgress&) = delete;
 
-    // Cheap enough to call for every item.
-    void show(long long done, long long total, const QString& what);
-    // Ends the progress line, if one was shown.
+    // What the job does now.
+    void step(const QString& text);
+    // How far it got; cheap enough to call for every item.
+    void count(long long done, long long total, const QString& what);
+    // Wipes the line, if one is shown.
     void finish();
 
 private:
+    void show(const QString& text);
+
     QString m_prefix;
     bool m_terminal;
-    bool m_shown = false;
-    QElapsedTimer m_running;
-    qint64 m_lastShown = 0;
+    int m_shownLength = 0;
+    QElapsedTimer m_sinceShown;
 };
