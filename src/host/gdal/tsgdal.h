@@ -134,7 +134,8 @@ private:
 };
 
 // What the open or the last edit operation of a TsGdalFeatureLayer did with
-// the values it was given, counted from StartOperation on.
+// the values it was given, counted from StartOperation on. An operation that
+// was undone keeps its counts: they say what it would have written.
 struct VYGIS_GDAL_EXPORT TsGdalEditSummary
 {
     // A value that could not be converted to its field's type.
@@ -144,7 +145,8 @@ struct VYGIS_GDAL_EXPORT TsGdalEditSummary
         QString field;
         QString text;                   // the value as it was given
         TsField::FieldType fieldType;
-        int fieldWidth = 0;             // the most characters the file keeps (a shapefile's); 0 no limit
+        int fieldWidth = 0;             // the width of the file's field (a shapefile's digits, or bytes
+                                        // of UTF-8 text); 0 when the format has none
 
         // feature 17, field CODE (32-bit integer): "lots"
         // feature 17, field CODE (32-bit integer of width 9): "2000000000"
