@@ -199,8 +199,8 @@ Command joinCommand()
     command.name = commandName;
     command.summary = QStringLiteral("join a workbook's columns into a layer on a key field");
     command.usage = QStringLiteral(
-        "Usage: vygis join WORKBOOK LAYER --key FIELD [--map HEADER=FIELD]... [--where CLAUSE]\n"
-        "                  [--keep-going]\n\n"
+        "Usage: vygis join WORKBOOK LAYER --key FIELD [--map HEADER=FIELD]...\n"
+        "                  [--where CLAUSE] [--keep-going]\n\n"
         "Writes the cells of WORKBOOK (an .xlsx workbook, its first sheet) into the\n"
         "attributes of LAYER (PATH or PATH:LAYER, changed in place): each feature whose\n"
         "FIELD value matches a text in the column headed FIELD (row 1, or row 2 below a\n"
@@ -215,8 +215,8 @@ Command joinCommand()
         "  --key FIELD          the key field of the layer and header of the key column\n"
         "  --map HEADER=FIELD   write the column headed HEADER into the field FIELD\n"
         "  --where CLAUSE       join only into the features the clause admits\n"
-        "  --keep-going         write what can be written when some values cannot be\n"
-        "                       converted to their field's type; those keep their old values\n\n"
+        "  --keep-going         when some values cannot be converted to their field's\n"
+        "                       type, write the rest; those fields keep their old values\n\n"
         "Nothing is changed when WORKBOOK is no workbook (CSV, .xls, .ods, encrypted,\n"
         "empty), lacks the key column, or none of its other columns goes to a field of\n"
         "LAYER, nor when --map names a field LAYER lacks or a header WORKBOOK lacks. A\n"
@@ -231,8 +231,8 @@ Command joinCommand()
         "row, workbook rows that matched no feature, duplicate keys, values written,\n"
         "unchanged and not convertible (with the first few of these).\n\n"
         "Exit status 1 when the layer cannot be opened for update or lacks FIELD, the\n"
-        "workbook is refused or values could not be converted (without --keep-going),\n"
-        "or the edit cannot be made; 2 for wrong usage, also --map naming a missing field.");
+        "workbook is refused, values could not be converted (without --keep-going) or\n"
+        "the edit cannot be made; 2 for wrong usage, --map naming a missing field too.");
     command.run = runJoin;
     return command;
 }
