@@ -177,15 +177,35 @@ TEST_P(ToolJoin, KeepGoingWritesTheRestAndKeepsTheOldValuesOfThose)
     EXPECT_EQ(values(layer, "CODE"), (QStringList{"1", "20", "3", "4"}));
 }
 
-TEST_P(ToolJoin, MapToAFieldTheLayerLacksIsRefused)
+TEST_P(ToolJoin, MapsToAFieldOrFromAHeaderThatIsNotThereAreRefused)
 {
     const QString layer = parcels();
     const QByteArray before = attributeBytes(layer);
     const QString book = workbook({{"PARCEL", "HOLDER"}, {"P-1", "Zed"}});
-    const ToolRun run = join(book, layer, {QStringLiteral("--map"), QStringLiteral("holder=nosuchfield")});
-    EXPECT_EQ(run.status, 2);
-    EXPECT_TRUE(run.err.contains(QStringLiteral("has no field nosuchfield"))) << run.err.toStdString();
-    EXPECT_EQ(attributeBytes(layer), before);
+    const struct
+    {
+        const char* map;
+        QString message;
+    } maps[] = {
+        {"holder=nosuchfield", QStringLiteral("--map HOLDER=nosuchfield: %1 has no field nosuchfield").arg(layer)},
+        {"Keeper=OWNER", QStringLiteral("--map KEEPER=OWNER: %1 has no column headed KEEPER (its headers: \"HOLDER\")")
+                             .arg(book)},
+    };
+    for (const auto& map : maps) {
+        const ToolRun run = join(book, layer, {QStringLiteral("--map"), QString::fromLatin1(map.map)});
+        EXPECT_EQ(run.status, 2);
+        EXPECT_TRUE(run.err.contains(map.message)) << run.err.toStdString();
+        EXPECT_EQ(attributeBytes(layer), before);
+    }
+}
+
+TEST_P(ToolJoin, MapHeadersAreComparedAsTheWorkbooksHeadersAre)
+{
+    const QString layer = parcels();
+    const QString book = workbook({{"PARCEL", " Holder(name)"}, {"P-1", "Zed"}});
+    const ToolRun run = join(book, layer, {QStringLiteral("--map"), QStringLiteral(" holder(text)=OWNER")});
+    EXPECT_EQ(run.status, 0) << run.err.toStdString();
+    EXPECT_EQ(values(layer, "OWNER").value(0), QStringLiteral("Zed"));
 }
 
 TEST_P(ToolJoin, WorkbookWithNoColumnForAFieldIsRefused)
