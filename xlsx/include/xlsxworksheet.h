@@ -43,7 +43,10 @@ public:
     bool setColumnWidth(int firstColumn, int lastColumn, double width);
     double columnWidth(int column) const;
 
-    // The bounding box of the stored cells; an invalid range for an empty sheet.
+    // The range in use: the bounding box of the cells holding a value or a formula and of
+    // the formatted empty cells beside them, computed from the cells, never taken from
+    // the file; formats of whole rows or columns written out as cells, and stray formats
+    // far from the table, are left out. An invalid range for an empty sheet.
     CellRange dimension() const;
 
 private:

@@ -1,6 +1,7 @@
 #include "sheetdata.h"
 
 #include "cellaccess.h"
+#include "usedrange.h"
 
 #include <algorithm>
 
@@ -141,19 +142,7 @@ bool SheetData::removeCell(int row, int column)
 
 CellRange SheetData::dimension() const
 {
-    int firstRow = 0, lastRow = 0, firstColumn = MaxColumns + 1, lastColumn = 0;
-    for (const RowRecord& r : rows) {
-        if (r.cells.empty())
-            continue;
-        if (!firstRow)
-            firstRow = r.row;
-        lastRow = r.row;
-        firstColumn = std::min(firstColumn, r.cells.front().column());
-        lastColumn = std::max(lastColumn, r.cells.back().column());
-    }
-    if (!firstRow)
-        return {};
-    return {firstRow, firstColumn, lastRow, lastColumn};
+    return usedRange(*this);
 }
 
 const ColumnRecord* SheetData::findColumn(int column) const

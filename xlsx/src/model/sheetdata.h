@@ -85,7 +85,7 @@ public:
     Cell& cellFor(int row, int column);
     bool removeCell(int row, int column);
 
-    // The bounding box of the stored cells, computed from the cells themselves.
+    // The range in use, computed from the cells themselves (see usedRange).
     CellRange dimension() const;
 
     // The column record holding column, or null.
