@@ -5,8 +5,13 @@
 
 namespace {
 
-// Beyond this the empty strings of a sparse sheet alone would take gigabytes.
-constexpr qint64 MaxCellsRead = 50'000'000;
+// Every entry of a row list is a QString, 8 bytes even when empty, so a range read from
+// A1 costs at least 8 bytes a cell whatever it holds. Past 2^27 cells, a gigabyte of
+// entries before any text, the sheet is not read at all: a table that large would take
+// ten gigabytes and more as texts, and one that large around a few values holds values
+// far apart. Every sheet filled to Excel's last row up to 128 columns wide stays below
+// it; formats far from the values do not widen the range (see Worksheet::dimension).
+constexpr qint64 MaxCellsRead = qint64(1) << 27;
 
 QString cellText(const QXlsx::Worksheet& sheet, int row, int column)
 {

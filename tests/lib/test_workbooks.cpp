@@ -2,6 +2,8 @@
 
 #include "libtesting.h"
 
+#include <iterator>
+
 namespace {
 
 using WorkbookCreation = LibraryTest;
@@ -65,6 +67,40 @@ TEST_F(SheetReading, GivesEveryRowFromA1AsTextsWithEmptyStringsWhereNoCellIs)
     }
     EXPECT_EQ(read.front(), QStringList{"before"});
     EXPECT_EQ(read.size(), 11u);
+}
+
+// Formats of whole rows and columns written out cell by cell, and stray formats, as other
+// programs leave them: the sheet still reads as the rows its values stand in.
+TEST_F(SheetReading, TwoRowsOfValuesReadAsTwoRowsWhateverFormatsLieAroundThem)
+{
+    constexpr int LastRow = 1048576, LastColumn = 16384;
+    QXlsx::Format bold;
+    bold.setFontBold(true);
+    const std::function<void(QXlsx::Document&)> formats[] = {
+        [&](QXlsx::Document& d) { d.write(LastRow, LastColumn, QVariant(), bold); },
+        [&](QXlsx::Document& d) { d.write(LastRow - 1, LastColumn - 1, QVariant(), bold); },
+        [&](QXlsx::Document& d) {
+            for (int column = 3; column <= LastColumn; ++column) {
+                d.write(1, column, QVariant(), bold);
+                d.write(2, column, QVariant(), bold);
+            }
+        },
+        [&](QXlsx::Document& d) {
+            for (int row = 3; row <= LastRow; ++row)
+                d.write(row, 1, QVariant(), bold);
+        },
+    };
+    for (size_t f = 0; f < std::size(formats); ++f) {
+        Rows read;
+        VyExcelUtil::getExcelData(workbook([&](QXlsx::Document& d) {
+            d.write(1, 1, QStringLiteral("name"));
+            d.write(1, 2, QStringLiteral("value"));
+            d.write(2, 1, QStringLiteral("x"));
+            d.write(2, 2, 12.5);
+            formats[f](d);
+        }), read);
+        EXPECT_EQ(read, (Rows{{"name", "value"}, {"x", "12.5"}})) << "formats " << f;
+    }
 }
 
 TEST_F(SheetReading, NothingIsAppendedForMissingEmptyOrFarTooWideSheets)
