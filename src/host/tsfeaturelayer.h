@@ -48,8 +48,10 @@ class VYGIS_HOST_EXPORT TsLayerEditBuffer : public TsRefBase
 {
 public:
     // Sets one attribute of one feature, converting value to the field's
-    // type. With strict, a value that does not fit fails; without, it is
-    // stored as null. Fails as well for an unknown feature or field, outside
+    // type. With strict, a value that does not fit fails; without, what
+    // happens to it is the provider's: the in-memory layers store a null, the
+    // GDAL provider keeps the old value and counts the refusal (see tsgdal.h).
+    // Fails as well for an unknown feature or field, outside
     // an edit operation and on a layer that cannot be edited.
     virtual bool ChangeAttribute(const int& featureId, const TsString& field,
                                  const TsVariant& value, bool strict) = 0;
