@@ -4,6 +4,7 @@
 #include "model/cellaccess.h"
 #include "model/workbookdata.h"
 #include "write/packageplan.h"
+#include "write/stylelimit.h"
 #include "write/stylespart.h"
 #include "write/workbookpart.h"
 #include "write/worksheetpart.h"
@@ -24,6 +25,14 @@ std::string generated(Generate generate)
     generate(out);
     out.flush();
     return xml.toStdString();
+}
+
+// The worksheet part of a sheet whose texts and formats are within Excel's limits.
+std::string worksheetXml(const WorkbookData& book, const SheetData& sheet, bool active)
+{
+    const WrittenStyles styles(book.styles);
+    const std::vector<quint32> noCutTexts;
+    return generated([&](XmlSink& out) { writeWorksheetPart(out, book, sheet, active, {styles, noCutTexts}); });
 }
 
 // True when every tag is in xml, in the order given.
@@ -55,7 +64,7 @@ TEST(WriteWorksheetPart, KeptElementsGoWhereTheFormatWantsThem)
         {"sheetPr", "<sheetPr><tabColor rgb=\"FFFF0000\"/></sheetPr>"},
         {"dimension", "<dimension ref=\"A1:Z99\"/>"},
     };
-    const std::string xml = generated([&](XmlSink& out) { writeWorksheetPart(out, book, sheet, false); });
+    const std::string xml = worksheetXml(book, sheet, false);
 
     EXPECT_TRUE(inOrder(xml, {"<sheetPr>", "<dimension ref=\"A1\"/>", "<sheetView ",
                                                    "<sheetData>", "<mergeCells", "<conditionalFormatting",
@@ -72,7 +81,7 @@ TEST(WriteWorksheetPart, APrefixedRootStillHoldsTheCellsInTheMainNamespace)
     SheetData& sheet = *book.appendSheet("Data", AbstractSheet::ST_WorkSheet);
     CellAccess::setBoolean(sheet.cellFor(1, 1), true);
     sheet.rootStartTag = "<x:worksheet xmlns:x=\"http://schemas.openxmlformats.org/spreadsheetml/2006/main\">";
-    const std::string xml = generated([&](XmlSink& out) { writeWorksheetPart(out, book, sheet, true); });
+    const std::string xml = worksheetXml(book, sheet, true);
 
     EXPECT_NE(xml.find("<x:worksheet xmlns=\"http://schemas.openxmlformats.org/spreadsheetml/2006/main\" xmlns:x="),
               std::string::npos) << xml;
@@ -93,7 +102,7 @@ TEST(WriteWorksheetPart, KeptRowAndColumnAttributesNeverDuplicateWrittenOnes)
     column.width = 20;
     column.extraAttributes = "width=\"9\" customWidth=\"1\" outlineLevel=\"1\"";
     sheet.columns.push_back(column);
-    const std::string xml = generated([&](XmlSink& out) { writeWorksheetPart(out, book, sheet, true); });
+    const std::string xml = worksheetXml(book, sheet, true);
 
     EXPECT_NE(xml.find("<row r=\"3\" ht=\"30\" customHeight=\"1\" x14ac:dyDescent=\"0.25\">"), std::string::npos) << xml;
     EXPECT_NE(xml.find("<col min=\"2\" max=\"2\" width=\"20\" customWidth=\"1\" outlineLevel=\"1\"/>"), std::string::npos) << xml;
@@ -116,7 +125,7 @@ TEST(WriteStylesPart, SharedPiecesAreWrittenOnceAndCustomCodesGetIdsFrom164)
     percent.setNumberFormat("0.00%");
     for (const Format& f : {bold, boldCentred, money, day, percent})
         styles.indexOf(f);
-    const std::string xml = generated([&](XmlSink& out) { writeStylesPart(out, styles); });
+    const std::string xml = generated([&](XmlSink& out) { writeStylesPart(out, styles, WrittenStyles(styles)); });
 
     EXPECT_NE(xml.find("<fonts count=\"2\">"), std::string::npos) << xml;
     EXPECT_NE(xml.find("<numFmt numFmtId=\"164\" formatCode=\"#,##0.00 &quot;EUR&quot;\"/>"), std::string::npos) << xml;

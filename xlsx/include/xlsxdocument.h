@@ -18,7 +18,7 @@ class QIODevice;
 
 namespace QXlsx {
 
-namespace detail { class WorkbookData; }
+namespace detail { class WorkbookData; struct SaveReport; }
 
 // A workbook. A new document has no sheet: the first write creates "Sheet1". A document
 // opened on a path that holds no readable workbook is an empty workbook with one empty
@@ -79,13 +79,27 @@ public:
     // Why the last open or save failed, for people reading a log; empty after success.
     QString errorString() const;
 
+    // What the last successful save changed to keep within Excel's limits, which Excel
+    // otherwise answers with a repair prompt; each is also logged as a warning in
+    // "vygis.xlsx.save". The document itself keeps everything as written.
+    // Cells whose text was longer than 32,767 characters (UTF-16 units) and was saved cut
+    // to that length, never in the middle of a surrogate pair:
+    qint64 cutTextCount() const;
+    // Cell formats beyond Excel's 64,000 that were saved as their number format alone,
+    // without font, fill, borders or alignment, so that every value is saved and a date
+    // still shows as a date:
+    int droppedFormatCount() const;
+
 private:
     Worksheet* ensureWorksheet();
     void openFrom(QIODevice& device);
     void startEmptyWorkbook();
     int sheetIndex(const QString& name) const;
+    void keepReport(const detail::SaveReport& report) const;
     std::unique_ptr<detail::WorkbookData> d;
     QString m_path;
+    mutable qint64 m_cutTexts = 0;
+    mutable int m_droppedFormats = 0;
 };
 
 } // namespace QXlsx

@@ -19,6 +19,13 @@ public:
     // whatever it looks like ("=1+1", "007"); numbers are numeric cells, bool a boolean
     // cell, QDate/QTime/QDateTime a date serial with a date or time number format, and
     // a null QVariant a blank cell that keeps its format. False outside the grid.
+    // Where Excel has no such value: NaN and infinities are #NUM! error cells; a day
+    // Excel shows no date for (before 1900-01-01, or 1904-01-01 in the 1904 date system,
+    // or after 9999-12-31) is a text cell in ISO form, "1899-12-31" or
+    // "1899-12-31T12:00:00" (".zzz" added for milliseconds), since its serial would read
+    // back as a time, another day or a plain number. A lone UTF-16 surrogate in a text
+    // is kept and saved as an _xHHHH_ escape. Texts are stored whole; see
+    // Document::cutTextCount() for what a save does with one over 32,767 characters.
     bool write(int row, int column, const QVariant& value, const Format& format = Format());
     bool write(const CellReference& cell, const QVariant& value, const Format& format = Format());
 

@@ -24,6 +24,25 @@ bool saveFailed(QString& errorString, const QString& path, const QString& reason
     return false;
 }
 
+// A save that had to change what it wrote to keep within Excel's limits says so, since
+// the caller learns no more than that the save succeeded.
+void warnOfLimits(const QString& target, const detail::SaveReport& report)
+{
+    if (report.cutTexts > 0)
+        qCWarning(lcDocumentSave, "%s: %llu cell texts longer than 32767 characters were cut to 32767",
+                  qUtf8Printable(target), static_cast<unsigned long long>(report.cutTexts));
+    if (report.droppedFormats > 0)
+        qCWarning(lcDocumentSave,
+                  "%s: %u cell formats beyond 64000 were written as their number format alone",
+                  qUtf8Printable(target), report.droppedFormats);
+}
+
+QString deviceName(const QIODevice& device)
+{
+    const auto* file = qobject_cast<const QFileDevice*>(&device);
+    return file && !file->fileName().isEmpty() ? file->fileName() : QStringLiteral("device");
+}
+
 constexpr int MaxSheetNameLength = 31;
 
 bool isAllowedSheetName(const QString& name)
@@ -356,7 +375,8 @@ bool Document::saveAs(const QString& path) const
     if (!file.open(QIODevice::WriteOnly))
         return saveFailed(d->errorString, path, file.errorString());
     QString error;
-    if (!detail::writePackage(*d, file, &error)) {
+    detail::SaveReport report;
+    if (!detail::writePackage(*d, file, &error, &report)) {
         file.cancelWriting();
         return saveFailed(d->errorString, path, error.isEmpty() ? file.errorString() : error);
     }
@@ -374,6 +394,8 @@ bool Document::saveAs(const QString& path) const
     if (!file.commit())
         return saveFailed(d->errorString, path, file.errorString());
     d->errorString.clear();
+    keepReport(report);
+    warnOfLimits(path, report);
     return true;
 }
 
@@ -388,13 +410,26 @@ bool Document::saveAs(QIODevice* device) const
         return false;
     }
     QString error;
-    if (!detail::writePackage(*d, *device, &error)) {
+    detail::SaveReport report;
+    if (!detail::writePackage(*d, *device, &error, &report)) {
         d->errorString = error.isEmpty() ? device->errorString() : error;
         return false;
     }
     d->errorString.clear();
+    keepReport(report);
+    warnOfLimits(deviceName(*device), report);
     return true;
 }
+
+void Document::keepReport(const detail::SaveReport& report) const
+{
+    m_cutTexts = qint64(report.cutTexts);
+    m_droppedFormats = int(report.droppedFormats);
+}
+
+qint64 Document::cutTextCount() const { return m_cutTexts; }
+
+int Document::droppedFormatCount() const { return m_droppedFormats; }
 
 QString Document::errorString() const { return d->errorString; }
 

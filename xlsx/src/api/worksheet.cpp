@@ -38,6 +38,58 @@ bool isNumberType(int type)
     }
 }
 
+// Text in ISO 8601 form. QDate::toString gives nothing for years past 9999, and counts
+// no year 0: ISO calls the year before 1 "0000".
+QString isoText(const QDate& date)
+{
+    const int year = date.year() < 0 ? date.year() + 1 : date.year();
+    return QStringLiteral("%1%2-%3-%4")
+        .arg(year < 0 ? QStringLiteral("-") : QString())
+        .arg(qAbs(year), 4, 10, QLatin1Char('0'))
+        .arg(date.month(), 2, 10, QLatin1Char('0'))
+        .arg(date.day(), 2, 10, QLatin1Char('0'));
+}
+
+QString isoText(const QDateTime& dateTime)
+{
+    const QTime time = dateTime.time();
+    return isoText(dateTime.date()) + QLatin1Char('T')
+           + time.toString(time.msec() ? QStringLiteral("HH:mm:ss.zzz") : QStringLiteral("HH:mm:ss"));
+}
+
+// Stores a QDate, QDateTime or QTime in cell; returns the style with a date or time
+// number format added where the value became a serial. A day Excel cannot show is
+// stored as ISO text instead: its serial would read back as a time, as another day or
+// as a plain number, while the text loses nothing.
+quint32 storeDateTime(Cell& cell, const QVariant& value, detail::WorkbookData& book, quint32 style)
+{
+    using detail::CellAccess;
+    const int type = value.userType();
+    if (type == QMetaType::QTime) {
+        const double serial = detail::toSerial(value.toTime());
+        if (std::isnan(serial)) {
+            CellAccess::setBlank(cell);
+            return style;
+        }
+        CellAccess::setNumber(cell, serial);
+        return book.styles.indexWithDateFormat(style, detail::DateKind::Time);
+    }
+    const bool withTime = type == QMetaType::QDateTime;
+    const QDateTime dateTime = withTime ? value.toDateTime() : QDateTime();
+    const QDate date = withTime ? dateTime.date() : value.toDate();
+    const double serial = withTime ? detail::toSerial(dateTime, book.date1904) : detail::toSerial(date, book.date1904);
+    // An invalid date stores no value, like a null variant.
+    if (std::isnan(serial)) {
+        CellAccess::setBlank(cell);
+    } else if (!detail::hasDateSerial(date, book.date1904)) {
+        CellAccess::setString(cell, book.strings.add(withTime ? isoText(dateTime) : isoText(date)));
+    } else {
+        CellAccess::setNumber(cell, serial);
+        return book.styles.indexWithDateFormat(style, withTime ? detail::DateKind::DateTime : detail::DateKind::Date);
+    }
+    return style;
+}
+
 } // namespace
 
 bool Worksheet::write(int row, int column, const QVariant& value, const Format& format)
@@ -68,25 +120,7 @@ bool Worksheet::write(int row, int column, const QVariant& value, const Format& 
     } else if (type == QMetaType::Bool) {
         CellAccess::setBoolean(cell, value.toBool());
     } else if (type == QMetaType::QDate || type == QMetaType::QDateTime || type == QMetaType::QTime) {
-        double serial;
-        detail::DateKind kind;
-        if (type == QMetaType::QDate) {
-            serial = detail::toSerial(value.toDate(), m_book->date1904);
-            kind = detail::DateKind::Date;
-        } else if (type == QMetaType::QTime) {
-            serial = detail::toSerial(value.toTime());
-            kind = detail::DateKind::Time;
-        } else {
-            serial = detail::toSerial(value.toDateTime(), m_book->date1904);
-            kind = detail::DateKind::DateTime;
-        }
-        // An invalid date stores no value, like a null variant.
-        if (std::isnan(serial)) {
-            CellAccess::setBlank(cell);
-        } else {
-            CellAccess::setNumber(cell, serial);
-            style = styles.indexWithDateFormat(style, kind);
-        }
+        style = storeDateTime(cell, value, *m_book, style);
     } else if (!value.isValid()) {
         CellAccess::setBlank(cell);
     } else {

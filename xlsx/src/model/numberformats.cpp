@@ -155,6 +155,11 @@ bool isDateTimeFormatCode(QStringView code)
     return false;
 }
 
+bool hasDateSerial(const QDate& date, bool date1904)
+{
+    return date >= (date1904 ? QDate(1904, 1, 1) : QDate(1900, 1, 1)) && date <= QDate(9999, 12, 31);
+}
+
 double toSerial(const QDate& date, bool date1904)
 {
     if (!date.isValid())

@@ -21,6 +21,9 @@ bool isDateTimeFormatCode(QStringView code);
 
 // Serial numbers: days since the epoch of the workbook's date system, with the time of
 // day as the fraction. The 1900 system keeps the phantom 29 February 1900 (serial 60).
+// True for the days Excel shows as dates: 1900-01-01 (1904-01-01 in the 1904 system)
+// to 9999-12-31. Serials of other days read back as times, earlier days or plain numbers.
+bool hasDateSerial(const QDate& date, bool date1904);
 double toSerial(const QDateTime& dateTime, bool date1904);
 double toSerial(const QDate& date, bool date1904);
 double toSerial(const QTime& time);

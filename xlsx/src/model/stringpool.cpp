@@ -35,7 +35,10 @@ quint32 hashBytes(const char* p, int size)
 
 // Qt 5 has no way to encode UTF-16 into a caller's buffer (toUtf8 allocates a new
 // QByteArray each time), and this runs once per text cell written. out must have room
-// for 3 bytes per UTF-16 unit. A lone surrogate, which UTF-8 cannot carry, becomes U+FFFD.
+// for 3 bytes per UTF-16 unit. A lone surrogate, which UTF-8 cannot carry, is encoded
+// on its own in three bytes as if it were a character (ED A0..BF xx, as WTF-8 does), so
+// that the pool keeps it: the writer turns it into an _xHHHH_ escape and text() gives
+// it back.
 int encodeUtf8(QStringView text, char* out)
 {
     char* o = out;
@@ -78,13 +81,27 @@ int encodeUtf8(QStringView text, char* out)
                 *o++ = char(0x80 | (c & 0x3F));
                 continue;
             }
-            c = 0xFFFD;
         }
         *o++ = char(0xE0 | (c >> 12));
         *o++ = char(0x80 | ((c >> 6) & 0x3F));
         *o++ = char(0x80 | (c & 0x3F));
     }
     return int(o - out);
+}
+
+// Where the bytes hold a lone surrogate (ED A0..BF xx), or null. The characters from
+// U+D000 to U+D7FF, Hangul among them, start with ED as well, followed by 80..9F.
+const char* findLoneSurrogate(const char* p, const char* end)
+{
+    while (end - p >= 3) {
+        p = static_cast<const char*>(std::memchr(p, 0xED, size_t(end - p - 2)));
+        if (!p)
+            return nullptr;
+        if (quint8(p[1]) >= 0xA0)
+            return p;
+        ++p;
+    }
+    return nullptr;
 }
 
 // A cut that does not split a character.
@@ -126,6 +143,7 @@ quint32 StringPool::addRich(const QString& plainText, const QByteArray& runsXml)
 {
     const QByteArray bytes = plainText.toUtf8();
     const int size = clampLength(bytes.constData(), bytes.size());
+    m_longest = std::max(m_longest, size);
     const quint32 index = count();
     pushEntry(store(bytes.constData(), size) << LengthBits | quint64(size));
     m_rich.emplace_back(index, runsXml);
@@ -135,6 +153,7 @@ quint32 StringPool::addRich(const QString& plainText, const QByteArray& runsXml)
 quint32 StringPool::append(const char* utf8, int size)
 {
     size = clampLength(utf8, std::max(size, 0));
+    m_longest = std::max(m_longest, size);
     const quint32 index = count();
     pushEntry(store(utf8, size) << LengthBits | quint64(size));
     return index;
@@ -193,7 +212,20 @@ QString StringPool::text(quint32 index) const
 {
     int size = 0;
     const char* bytes = utf8(index, &size);
-    return QString::fromUtf8(bytes, size);
+    const char* end = bytes + size;
+    const char* surrogate = findLoneSurrogate(bytes, end);
+    if (!surrogate)
+        return QString::fromUtf8(bytes, size);
+    // QString::fromUtf8 would make each lone surrogate U+FFFD.
+    QString text;
+    while (surrogate) {
+        text += QString::fromUtf8(bytes, int(surrogate - bytes));
+        text += QChar(ushort(0xD000 | (quint8(surrogate[1]) & 0x3F) << 6 | (quint8(surrogate[2]) & 0x3F)));
+        bytes = surrogate + 3;
+        surrogate = findLoneSurrogate(bytes, end);
+    }
+    text += QString::fromUtf8(bytes, int(end - bytes));
+    return text;
 }
 
 const char* StringPool::utf8(quint32 index, int* size) const
@@ -228,6 +260,7 @@ void StringPool::clear()
     m_blocks.clear();
     m_chunks.clear();
     m_used = 0;
+    m_longest = 0;
     m_entries.clear();
     m_recent.reset();
     m_rich.clear();

@@ -43,6 +43,9 @@ public:
     bool isRich(quint32 index) const;
     QByteArray richXml(quint32 index) const;
     quint32 count() const { return quint32(m_entries.size()); }
+    // The size of the longest entry in UTF-8 bytes, so that a writer learns without a
+    // look at every entry that none is over a limit.
+    int longestText() const { return m_longest; }
     // Longest text an entry holds, in UTF-8 bytes; longer texts are cut at a character.
     static constexpr int MaxTextBytes = (1 << 24) - 1;
     void clear();
@@ -74,6 +77,7 @@ private:
     std::vector<Block> m_blocks;
     std::vector<char*> m_chunks;
     quint64 m_used = 0;                        // arena offset of the next free byte
+    int m_longest = 0;
 
     // Per entry, its start in the arena << 24 | its length (texts < 16 MiB).
     std::vector<quint64, LargeAllocator<quint64>> m_entries;

@@ -53,6 +53,12 @@ quint32 StyleTable::append(const Format& format)
     return index;
 }
 
+qint64 StyleTable::find(const Format& format) const
+{
+    const auto it = m_index.constFind(format);
+    return it != m_index.constEnd() ? qint64(it.value()) : -1;
+}
+
 const Format& StyleTable::format(quint32 index) const
 {
     static const Format defaultFormat;

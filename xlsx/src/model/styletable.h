@@ -29,6 +29,8 @@ public:
     // Adds a format read from a file at the next index, even if an equal one exists,
     // so that the file's style indexes stay valid.
     quint32 append(const Format& format);
+    // The index of a format equal to format, or -1; adds nothing.
+    qint64 find(const Format& format) const;
     // The format at index; the default format for an index the table does not hold.
     const Format& format(quint32 index) const;
     bool isDateTime(quint32 index) const

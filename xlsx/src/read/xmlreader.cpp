@@ -130,7 +130,8 @@ void decodeEscapes(std::string& text)
                 continue;
             }
         }
-        appendUtf8(out, (isHighSurrogate(unit) || isLowSurrogate(unit)) ? 0xFFFD : char32_t(unit));
+        // A lone surrogate is encoded on its own, as the string pool keeps one.
+        appendUtf8(out, char32_t(unit));
     }
     text.swap(out);
 }

@@ -116,7 +116,8 @@ QByteArray startTagText(const char* qualifiedName, const XmlAttributes& attribut
 void appendEscaped(QByteArray& out, std::string_view text, bool attribute);
 
 // Decodes the _xHHHH_ escapes that carry characters XML cannot (control characters,
-// and by convention anything else) in place.
+// and by convention anything else) in place. A lone surrogate is encoded on its own in
+// three bytes, as the string pool keeps one, rather than lost to U+FFFD.
 void decodeEscapes(std::string& text);
 
 } // namespace QXlsx::detail

@@ -6,7 +6,9 @@
 #include "packageplan.h"
 #include "relationships.h"
 #include "sharedstrings.h"
+#include "stylelimit.h"
 #include "stylespart.h"
+#include "textlimit.h"
 #include "workbookpart.h"
 #include "worksheetpart.h"
 #include "xmlsink.h"
@@ -20,12 +22,15 @@ class Packager
 {
 public:
     Packager(const WorkbookData& book, QIODevice& device)
-        : m_book(book), m_plan(planPackage(book)), m_zip(device)
+        : m_book(book), m_plan(planPackage(book)), m_styles(book.styles),
+          m_cutTexts(textsOverCellLimit(book.strings)), m_zip(device)
     {
+        m_report.droppedFormats = m_styles.droppedCount();
     }
 
     bool write();
     QString errorString() const { return m_zip.errorString(); }
+    const SaveReport& report() const { return m_report; }
 
 private:
     template<typename Generate>
@@ -46,6 +51,9 @@ private:
 
     const WorkbookData& m_book;
     const PackagePlan m_plan;
+    const WrittenStyles m_styles;
+    const std::vector<quint32> m_cutTexts;
+    SaveReport m_report;
     ZipWriter m_zip;
 };
 
@@ -65,6 +73,7 @@ bool Packager::write()
                       [&](XmlSink& out) { writeRelationships(out, workbookRelationships(plan)); });
 
     quint64 stringReferences = 0;
+    const ExcelLimits limits {m_styles, m_cutTexts};
     for (const SheetPlan& s : plan.sheets) {
         if (!ok)
             break;
@@ -72,14 +81,16 @@ bool Packager::write()
             ok = bytes(s.partName, s.sheet->rawPart);
         else
             ok = part(s.partName, [&](XmlSink& out) {
-                stringReferences += writeWorksheetPart(out, book, *s.sheet, s.active);
+                const WorksheetCounts counts = writeWorksheetPart(out, book, *s.sheet, s.active, limits);
+                stringReferences += counts.stringReferences;
+                m_report.cutTexts += counts.cutTexts;
             });
     }
 
     ok = ok
          && part(plan.sharedStringsPart,
                  [&](XmlSink& out) { writeSharedStrings(out, book.strings, stringReferences); })
-         && part(plan.stylesPart, [&](XmlSink& out) { writeStylesPart(out, book.styles); });
+         && part(plan.stylesPart, [&](XmlSink& out) { writeStylesPart(out, book.styles, m_styles); });
     for (const KeptPart* kept : plan.keptParts)
         ok = ok && bytes(kept->name, kept->data);
     return ok && m_zip.finish();
@@ -87,10 +98,12 @@ bool Packager::write()
 
 } // namespace
 
-bool writePackage(const WorkbookData& book, QIODevice& device, QString* error)
+bool writePackage(const WorkbookData& book, QIODevice& device, QString* error, SaveReport* report)
 {
     Packager packager(book, device);
     const bool ok = packager.write();
+    if (report)
+        *report = packager.report();
     if (!ok && error)
         *error = packager.errorString().isEmpty() ? QStringLiteral("cannot write the workbook")
                                                   : packager.errorString();

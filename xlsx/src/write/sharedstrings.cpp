@@ -1,6 +1,7 @@
 #include "sharedstrings.h"
 
 #include "model/stringpool.h"
+#include "textlimit.h"
 #include "xmlsink.h"
 
 #include <cstring>
@@ -42,6 +43,7 @@ void writeSharedStrings(XmlSink& out, const StringPool& strings, quint64 referen
         }
         int size = 0;
         const char* text = strings.utf8(i, &size);
+        size = cellTextBytes(text, size);
         if (needsPreserve(text, size))
             out.literal("<si><t xml:space=\"preserve\">");
         else

@@ -5,6 +5,7 @@
 #include "model/stylenames.h"
 #include "model/styletable.h"
 #include "rawxml.h"
+#include "stylelimit.h"
 #include "xmlsink.h"
 
 #include <QHash>
@@ -249,8 +250,8 @@ struct Xf
 class StylesWriter
 {
 public:
-    StylesWriter(XmlSink& out, const StyleTable& styles)
-        : m_out(out), m_styles(styles), m_defaultFont(styles.defaultFontXml),
+    StylesWriter(XmlSink& out, const StyleTable& styles, const WrittenStyles& written)
+        : m_out(out), m_styles(styles), m_written(written), m_defaultFont(styles.defaultFontXml),
           m_fonts({m_defaultFont.xml}),
           m_fills({"<fill><patternFill patternType=\"none\"/></fill>",
                    "<fill><patternFill patternType=\"gray125\"/></fill>"}),
@@ -277,6 +278,7 @@ private:
 
     XmlSink& m_out;
     const StyleTable& m_styles;
+    const WrittenStyles& m_written;
     DefaultFont m_defaultFont;
     ElementList m_fonts;
     ElementList m_fills;
@@ -310,10 +312,10 @@ int StylesWriter::numberFormatId(const FormatPrivate& f)
 
 void StylesWriter::collect()
 {
-    const quint32 count = qMax<quint32>(1, m_styles.count());
+    const quint32 count = m_written.count();
     m_xfs.reserve(count);
     for (quint32 i = 0; i < count; ++i) {
-        const FormatPrivate& f = FormatPrivate::of(m_styles.format(i));
+        const FormatPrivate& f = FormatPrivate::of(m_written.format(i));
         Xf xf;
         xf.numFmtId = numberFormatId(f);
         if (setsFont(f))
@@ -439,9 +441,9 @@ void StylesWriter::write()
 
 } // namespace
 
-void writeStylesPart(XmlSink& out, const StyleTable& styles)
+void writeStylesPart(XmlSink& out, const StyleTable& styles, const WrittenStyles& written)
 {
-    StylesWriter(out, styles).write();
+    StylesWriter(out, styles, written).write();
 }
 
 } // namespace QXlsx::detail

@@ -4,8 +4,11 @@
 #include "model/sheetdata.h"
 #include "model/workbookdata.h"
 #include "rawxml.h"
+#include "stylelimit.h"
+#include "textlimit.h"
 #include "xmlsink.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -66,8 +69,9 @@ char* putNumber(char* p, double value)
 class SheetWriter
 {
 public:
-    SheetWriter(XmlSink& out, const WorkbookData& book, const SheetData& sheet)
-        : m_out(out), m_book(book), m_sheet(sheet), m_names(columnNames())
+    SheetWriter(XmlSink& out, const WorkbookData& book, const SheetData& sheet, const ExcelLimits& limits)
+        : m_out(out), m_book(book), m_sheet(sheet), m_styles(limits.styles),
+          m_cutTexts(limits.cutTexts), m_names(columnNames())
     {
     }
 
@@ -77,19 +81,25 @@ public:
     void writeColumns();
     void writeSheetData();
     void writeMerges();
-    quint64 stringReferences() const { return m_stringReferences; }
+    const WorksheetCounts& counts() const { return m_counts; }
 
 private:
     void writeRowStart(const RowRecord& row, const char* digits, size_t digitCount);
     void writeCell(const Cell& cell, const char* digits, size_t digitCount, int row);
     void writeFormulaCell(const Cell& cell, const QByteArray& formula, char* p);
     void writeRange(const CellRange& range);
+    void countCutText(quint32 stringIndex)
+    {
+        m_counts.cutTexts += std::binary_search(m_cutTexts.begin(), m_cutTexts.end(), stringIndex);
+    }
 
     XmlSink& m_out;
     const WorkbookData& m_book;
     const SheetData& m_sheet;
+    const WrittenStyles& m_styles;
+    const std::vector<quint32>& m_cutTexts;
     const std::array<ColumnName, MaxColumns + 1>& m_names;
-    quint64 m_stringReferences = 0;
+    WorksheetCounts m_counts;
 };
 
 void SheetWriter::writeRange(const CellRange& range)
@@ -158,7 +168,7 @@ void SheetWriter::writeColumns()
         m_out.literal("\"");
         if (c.style != 0) {
             m_out.literal(" style=\"");
-            m_out.appendUInt(c.style);
+            m_out.appendUInt(m_styles.recordOf(c.style));
             m_out.literal("\"");
         }
         if (c.hidden)
@@ -209,7 +219,7 @@ void SheetWriter::writeRowStart(const RowRecord& row, const char* digits, size_t
     *p++ = '"';
     if (row.customFormat) {
         p = put(p, " s=\"");
-        p = writeUInt(p, row.style);
+        p = writeUInt(p, m_styles.recordOf(row.style));
         p = put(p, "\" customFormat=\"1\"");
     }
     if (row.height > 0) {
@@ -245,7 +255,7 @@ void SheetWriter::writeCell(const Cell& cell, const char* digits, size_t digitCo
     std::memcpy(p, digits, digitCount);
     p += digitCount;
     *p++ = '"';
-    const quint32 style = CellAccess::style(cell);
+    const quint32 style = m_styles.recordOf(CellAccess::style(cell));
     if (style != 0) {
         p = put(p, " s=\"");
         p = writeUInt(p, style);
@@ -262,7 +272,9 @@ void SheetWriter::writeCell(const Cell& cell, const char* digits, size_t digitCo
 
     switch (cell.cellType()) {
     case Cell::StringType:
-        ++m_stringReferences;
+        ++m_counts.stringReferences;
+        if (!m_cutTexts.empty())
+            countCutText(CellAccess::stringIndex(cell));
         p = put(p, " t=\"s\"><v>");
         p = writeUInt(p, CellAccess::stringIndex(cell));
         p = put(p, "</v></c>");
@@ -313,8 +325,10 @@ void SheetWriter::writeFormulaCell(const Cell& cell, const QByteArray& formula, 
     if (text) {
         int size = 0;
         const char* value = m_book.strings.utf8(CellAccess::stringIndex(cell), &size);
+        const int kept = cellTextBytes(value, size);
+        m_counts.cutTexts += kept < size;
         m_out.literal("<v>");
-        m_out.appendText(value, size_t(size));
+        m_out.appendText(value, size_t(kept));
         m_out.literal("</v>");
     } else if (cell.cellType() == Cell::BooleanType) {
         m_out.append(CellAccess::boolean(cell) ? "<v>1</v>" : "<v>0</v>", 8);
@@ -357,7 +371,8 @@ bool hasKept(const SheetData& sheet, const char* localName)
 
 } // namespace
 
-quint64 writeWorksheetPart(XmlSink& out, const WorkbookData& book, const SheetData& sheet, bool active)
+WorksheetCounts writeWorksheetPart(XmlSink& out, const WorkbookData& book, const SheetData& sheet,
+                                   bool active, const ExcelLimits& limits)
 {
     static const QByteArray fallbackRoot =
         "<worksheet xmlns=\"http://schemas.openxmlformats.org/spreadsheetml/2006/main\""
@@ -366,7 +381,7 @@ quint64 writeWorksheetPart(XmlSink& out, const WorkbookData& book, const SheetDa
     const bool keptViews = hasKept(sheet, "sheetViews");
     const bool keptFormat = hasKept(sheet, "sheetFormatPr");
 
-    SheetWriter writer(out, book, sheet);
+    SheetWriter writer(out, book, sheet, limits);
     out.literal("<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n");
     out.append(root.start);
     writeInSchemaOrder(
@@ -393,7 +408,7 @@ quint64 writeWorksheetPart(XmlSink& out, const WorkbookData& book, const SheetDa
                 out.append(e.xml);
         });
     out.append(root.end);
-    return writer.stringReferences();
+    return writer.counts();
 }
 
 } // namespace QXlsx::detail

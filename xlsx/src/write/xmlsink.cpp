@@ -29,6 +29,7 @@ constexpr std::array<quint8, 256> byteClasses(bool attribute)
     t['>'] = Special;
     t['_'] = Special;     // may start a literal _xHHHH_
     t[0xEF] = Special;    // may start U+FFFE or U+FFFF
+    t[0xED] = Special;    // may start a lone surrogate kept by the string pool
     if (attribute)
         t['"'] = Special;
     return t;
@@ -40,6 +41,15 @@ constexpr std::array<quint8, 256> AttributeClasses = byteClasses(true);
 bool isHex(char c)
 {
     return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+
+// The three bytes of a UTF-16 surrogate encoded on its own, as the string pool keeps a
+// lone one: its unit, or 0.
+unsigned loneSurrogateAt(const char* p, size_t left)
+{
+    if (left < 3 || quint8(p[1]) < 0xA0 || (quint8(p[2]) & 0xC0) != 0x80)
+        return 0;
+    return 0xD000 | (quint8(p[1]) & 0x3Fu) << 6 | (quint8(p[2]) & 0x3Fu);
 }
 
 bool startsEscape(const char* p, size_t left)
@@ -133,6 +143,14 @@ void XmlSink::appendAttribute(const QString& text)
     appendEscaped(utf8.constData(), size_t(utf8.size()), true);
 }
 
+void XmlSink::appendUnitEscape(unsigned unit)
+{
+    static const char hex[] = "0123456789ABCDEF";
+    const char escape[7] = {'_', 'x', hex[(unit >> 12) & 15], hex[(unit >> 8) & 15],
+                            hex[(unit >> 4) & 15], hex[unit & 15], '_'};
+    append(escape, 7);
+}
+
 void XmlSink::appendEscaped(const char* s, size_t size, bool attribute)
 {
     const std::array<quint8, 256>& classes = attribute ? AttributeClasses : TextClasses;
@@ -173,13 +191,19 @@ void XmlSink::appendEscaped(const char* s, size_t size, bool attribute)
                 append(s + i, 1);
             }
             break;
-        default: {
-            // The other control characters: not allowed in XML 1.0 at all.
-            static const char hex[] = "0123456789ABCDEF";
-            const char escape[7] = {'_', 'x', '0', '0', hex[c >> 4], hex[c & 15], '_'};
-            append(escape, 7);
+        case 0xED:
+            // XML cannot carry a surrogate; the escape gives a reader the unit back.
+            if (const unsigned unit = loneSurrogateAt(s + i, size - i)) {
+                appendUnitEscape(unit);
+                i += 2;
+            } else {
+                append(s + i, 1);
+            }
             break;
-        }
+        default:
+            // The other control characters: not allowed in XML 1.0 at all.
+            appendUnitEscape(c);
+            break;
         }
         ++i;
     }

@@ -51,8 +51,9 @@ public:
     void appendNumber(double value);
 
     // UTF-8 text escaped for element content or for a double-quoted attribute value.
-    // Characters XML 1.0 cannot carry become _xHHHH_, and an underscore that would
-    // otherwise start such an escape becomes _x005F_, so a reader gets the text back.
+    // Characters XML 1.0 cannot carry become _xHHHH_ (a lone surrogate as the string
+    // pool keeps it as well), and an underscore that would otherwise start such an
+    // escape becomes _x005F_, so a reader gets the text back.
     void appendText(const char* utf8, size_t size);
     void appendText(const QString& text);
     void appendAttribute(const char* utf8, size_t size);
@@ -65,6 +66,7 @@ public:
 private:
     void appendLong(const char* data, size_t size);
     void appendEscaped(const char* utf8, size_t size, bool attribute);
+    void appendUnitEscape(unsigned unit);
 
     Drain m_drain;
     std::unique_ptr<char[]> m_buffer;
