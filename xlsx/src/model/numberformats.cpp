@@ -157,7 +157,10 @@ bool isDateTimeFormatCode(QStringView code)
 
 bool hasDateSerial(const QDate& date, bool date1904)
 {
-    return date >= (date1904 ? QDate(1904, 1, 1) : QDate(1900, 1, 1)) && date <= QDate(9999, 12, 31);
+    static const QDate first1900(1900, 1, 1);
+    static const QDate first1904(1904, 1, 1);
+    static const QDate last(9999, 12, 31);
+    return date >= (date1904 ? first1904 : first1900) && date <= last;
 }
 
 double toSerial(const QDate& date, bool date1904)
