@@ -1,11 +1,11 @@
 #include "vygisutil.h"
+#include "export/attributeexports.h"
 #include "export/sheetlimits.h"
 #include "export/valuesbyname.h"
 #include "workbook/conventions.h"
 
 #include "tsgeo.h"
 #include "tssde.h"
-#include "vygiscore.h"
 #include "xlsxdocument.h"
 
 #include <utility>
@@ -50,36 +50,30 @@ QString headerOf(const QString& name, ColumnKind kind, const TsFields& fields, b
     return name + QLatin1Char('(') + alias + QLatin1Char(')');
 }
 
-// The coordinate texts of one feature, worked out only for the coordinates the columns
-// ask for; all empty when the feature has no point.
-struct CoordinateTexts
+// The coordinates of one feature, worked out only for the coordinates the columns ask
+// for; none when the feature has no point.
+struct Coordinates
 {
-    QString x, y, z;
+    bool hasPoint = false;
+    double x = 0.0, y = 0.0, z = 0.0;
 
-    void read(const TsFeature& feature, bool wantX, bool wantY, bool wantZ)
+    void read(const TsFeature& feature, bool wantZ)
     {
-        x.clear();
-        y.clear();
-        z.clear();
         const TsRefPtr<TsGeoPoint> point = feature.GetGeometry().dynamicCast<TsGeoPoint>();
+        hasPoint = point != nullptr;
         if (!point)
             return;
-        if (wantX)
-            x = VyApplication::doubleToQString(point->GetX(), 8);
-        if (wantY)
-            y = VyApplication::doubleToQString(point->GetY(), 8);
-        if (wantZ) {
-            double height = 0.0;
-            bool hasZ = false;
-            if (point->HasZ(hasZ) && hasZ) {
-                double px = 0.0, py = 0.0;
-                point->QueryCoordsXYZ(&px, &py, &height);
-            }
-            z = VyApplication::doubleToQString(height, 8);
+        x = point->GetX();
+        y = point->GetY();
+        z = 0.0;
+        bool hasZ = false;
+        if (wantZ && point->HasZ(hasZ) && hasZ) {
+            double px = 0.0, py = 0.0;
+            point->QueryCoordsXYZ(&px, &py, &z);
         }
     }
 
-    const QString& of(ColumnKind kind) const
+    double of(ColumnKind kind) const
     {
         return kind == ColumnKind::X ? x : kind == ColumnKind::Y ? y : z;
     }
@@ -90,6 +84,14 @@ struct CoordinateTexts
 bool VyExcelUtil::export2ExcelHasXYZ(const QString& path, TsFeatureLayer* layer,
                                      std::vector<QString> fieldNames, bool withAlias,
                                      const QSet<int>& excludedColumns)
+{
+    return vygis::exportPointLayer(path, layer, fieldNames, withAlias, excludedColumns,
+                                   vygis::CellValues::RoundedTexts);
+}
+
+bool vygis::exportPointLayer(const QString& path, TsFeatureLayer* layer,
+                             const std::vector<QString>& fieldNames, bool withAlias,
+                             const QSet<int>& excludedColumns, CellValues cellValues)
 {
     if (path.isEmpty() || !layer)
         return false;
@@ -117,41 +119,38 @@ bool VyExcelUtil::export2ExcelHasXYZ(const QString& path, TsFeatureLayer* layer,
     if (width == 0 || width > vygis::kSheetColumnCount)
         return false;
 
-    bool wantX = false, wantY = false, wantZ = false;
-    for (const ColumnKind kind : columns) {
-        wantX = wantX || kind == ColumnKind::X;
-        wantY = wantY || kind == ColumnKind::Y;
+    bool wantZ = false;
+    for (const ColumnKind kind : columns)
         wantZ = wantZ || kind == ColumnKind::Z;
-    }
 
     for (int k = 0; k < width; ++k)
         document.write(1, k + 1, headers.at(k));
 
+    const vygis::AttributeCells cells(cellValues);
     vygis::ValuesByName values(std::move(names));
     const auto writeRows = [&]() -> bool {
         const TsRefPtr<TsFeatureCursor> cursor = layer->GetFeatureCursor(filter);
         if (!cursor)
             return true;
-        CoordinateTexts coordinates;
+        Coordinates coordinates;
         int row = 2;
         for (TsRefPtr<TsFeature> feature = cursor->NextFeature(); feature;
              feature = cursor->NextFeature(), ++row) {
             if (row > vygis::kSheetRowCount)
                 return false;
-            coordinates.read(*feature, wantX, wantY, wantZ);
+            coordinates.read(*feature, wantZ);
             values.startRow(*feature);
             for (int k = 0; k < width; ++k) {
                 const ColumnKind kind = columns[static_cast<std::size_t>(k)];
                 if (kind != ColumnKind::Field) {
                     // A feature without a point leaves its coordinate cells empty.
-                    const QString& text = coordinates.of(kind);
-                    if (!text.isEmpty())
-                        document.write(row, k + 1, text);
+                    if (coordinates.hasPoint)
+                        document.write(row, k + 1, cells.coordinate(coordinates.of(kind)));
                     continue;
                 }
                 TsVariant value;
                 values.read(*feature, static_cast<std::size_t>(k), value);
-                document.write(row, k + 1, vygis::attributeText(value));
+                document.write(row, k + 1, cells.attribute(value));
             }
         }
         return true;

@@ -1,4 +1,5 @@
 #include "vygisutil.h"
+#include "export/attributeexports.h"
 #include "export/sheetlimits.h"
 #include "export/valuesbyname.h"
 #include "workbook/conventions.h"
@@ -50,6 +51,13 @@ ExportedFields exportedFields(const TsFields& fields, bool withAlias,
 bool VyExcelUtil::export2Excel(const QString& path, TsFeatureLayer* layer, bool withAlias,
                                const QSet<int>& excludedColumns)
 {
+    return vygis::exportFeatureLayer(path, layer, withAlias, excludedColumns,
+                                     vygis::CellValues::RoundedTexts);
+}
+
+bool vygis::exportFeatureLayer(const QString& path, TsFeatureLayer* layer, bool withAlias,
+                               const QSet<int>& excludedColumns, CellValues cellValues)
+{
     if (path.isEmpty() || !layer)
         return false;
 
@@ -74,6 +82,7 @@ bool VyExcelUtil::export2Excel(const QString& path, TsFeatureLayer* layer, bool 
         document.write(2, k + 1, exported.headers.at(k), header);
 
     const QXlsx::Format centred = vygis::centredCellFormat();
+    const vygis::AttributeCells cells(cellValues);
     vygis::ValuesByName values(std::move(exported.names));
     const auto writeRows = [&]() -> bool {
         const TsRefPtr<TsFeatureCursor> cursor = layer->GetFeatureCursor(filter);
@@ -88,7 +97,7 @@ bool VyExcelUtil::export2Excel(const QString& path, TsFeatureLayer* layer, bool 
             for (int k = 0; k < width; ++k) {
                 TsVariant value;
                 values.read(*feature, static_cast<std::size_t>(k), value);
-                document.write(row, k + 1, vygis::attributeText(value), centred);
+                document.write(row, k + 1, cells.attribute(value), centred);
             }
         }
         return true;

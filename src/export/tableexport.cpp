@@ -1,4 +1,5 @@
 #include "vygisutil.h"
+#include "export/attributeexports.h"
 #include "export/sheetlimits.h"
 #include "workbook/conventions.h"
 
@@ -27,7 +28,13 @@ QStringList fieldNamesOf(const TsFields& fields)
 
 } // namespace
 
-bool VyExcelUtil::export2Excel(const QString& path, TsRefPtr<TsTable> tableReference)
+bool VyExcelUtil::export2Excel(const QString& path, TsRefPtr<TsTable> table)
+{
+    return vygis::exportTable(path, std::move(table), vygis::CellValues::ExactTexts);
+}
+
+bool vygis::exportTable(const QString& path, TsRefPtr<TsTable> tableReference,
+                        CellValues cellValues)
 {
     // Held by a local so that the caller's reference is given back inside this call on
     // every path, not whenever the caller gets round to destroying the argument.
@@ -59,6 +66,7 @@ bool VyExcelUtil::export2Excel(const QString& path, TsRefPtr<TsTable> tableRefer
         document.write(2, i + 1, names.at(i), header);
 
     const QXlsx::Format centred = vygis::centredCellFormat();
+    const vygis::AttributeCells cells(cellValues);
     const auto writeRows = [&]() -> bool {
         int row = 3;
         for (TsRefPtr<TsRow> record = cursor->NextRow(); record;
@@ -69,7 +77,7 @@ bool VyExcelUtil::export2Excel(const QString& path, TsRefPtr<TsTable> tableRefer
             for (int i = 0; i < fieldCount; ++i) {
                 TsVariant value;
                 record->GetValue(i, value);
-                document.write(row, i + 1, vygis::hostText(value.ToString()), centred);
+                document.write(row, i + 1, cells.attribute(value), centred);
             }
         }
         return true;
