@@ -1,5 +1,6 @@
 #include "arguments.h"
 #include "command.h"
+#include "export/attributeexports.h"
 #include "filesafety.h"
 #include "hosttext.h"
 #include "layersource.h"
@@ -12,6 +13,14 @@ using namespace VyObjects;
 namespace {
 
 const QString overwriteOption = QStringLiteral("--overwrite");
+const QString textOption = QStringLiteral("--text");
+
+// Typed cells unless every value is asked for as text. The tool's texts are exact: a
+// number written as text reads back as the same number.
+vygis::CellValues cellValuesOf(const Arguments& parsed)
+{
+    return parsed.isSet(textOption) ? vygis::CellValues::ExactTexts : vygis::CellValues::TypedCells;
+}
 
 int rowCountLimit()
 {
@@ -93,7 +102,7 @@ int runExport(const QStringList& arguments)
     const QString columnsOption = QStringLiteral("--columns");
     Arguments parsed;
     if (!parsed.parse(name, arguments,
-                      {{QStringLiteral("--alias"), overwriteOption},
+                      {{QStringLiteral("--alias"), overwriteOption, textOption},
                        {QStringLiteral("--exclude"), QStringLiteral("--where")},
                        {columnsOption}, 2, 2}))
         return ExitUsage;
@@ -122,9 +131,9 @@ int runExport(const QStringList& arguments)
     bool saved = false;
     if (parsed.isSet(columnsOption)) {
         std::vector<QString> names(columns.cbegin(), columns.cend());
-        saved = VyExcelUtil::export2ExcelHasXYZ(output, layer.get(), names, withAlias, excluded);
+        saved = vygis::exportPointLayer(output, layer.get(), names, withAlias, excluded, cellValuesOf(parsed));
     } else {
-        saved = VyExcelUtil::export2Excel(output, layer.get(), withAlias, excluded);
+        saved = vygis::exportFeatureLayer(output, layer.get(), withAlias, excluded, cellValuesOf(parsed));
     }
     if (!saved)
         return failure(name, exportFailure(output, columns.size() - excluded.size(),
@@ -136,7 +145,7 @@ int runExportTable(const QStringList& arguments)
 {
     const QString name = QStringLiteral("export-table");
     Arguments parsed;
-    if (!parsed.parse(name, arguments, {{overwriteOption}, {}, {}, 2, 2}))
+    if (!parsed.parse(name, arguments, {{overwriteOption, textOption}, {}, {}, 2, 2}))
         return ExitUsage;
     const QString output = parsed.positional(1);
     const QString refusal = outputRefusal(output, {LayerAddress::parse(parsed.positional(0)).path},
@@ -147,7 +156,7 @@ int runExportTable(const QStringList& arguments)
     const TsRefPtr<TsTable> table = openTable(parsed.positional(0), &error);
     if (!table)
         return failure(name, error);
-    if (!VyExcelUtil::export2Excel(output, table)) {
+    if (!vygis::exportTable(output, table, cellValuesOf(parsed))) {
         const TsRefPtr<TsFields> fields = table->GetFields();
         return failure(name, exportFailure(output, fields ? fields->GetFieldCount() : 0,
                                            [&] { return rowCount(*table); }));
@@ -164,9 +173,15 @@ Command exportCommand()
     command.summary = QStringLiteral("export a layer's attributes to a workbook");
     command.usage = QStringLiteral(
         "Usage: vygis export LAYER WORKBOOK [--alias] [--exclude COLUMNS] [--where CLAUSE]\n"
-        "       vygis export LAYER WORKBOOK --columns NAME... [--alias] [--exclude COLUMNS]\n\n"
+        "                    [--text]\n"
+        "       vygis export LAYER WORKBOOK --columns NAME... [--alias] [--exclude COLUMNS]\n"
+        "                    [--text]\n\n"
         "Writes the features of LAYER (PATH or PATH:LAYER) to a new WORKBOOK: a title row\n"
         "\"<layer>_attribute table\", a header row of field names, then one row per feature.\n"
+        "Values are typed cells, ready to compute with: numbers keep their exact value (a\n"
+        "boolean field gives 0 and 1), dates and date-times are date cells (times in UTC),\n"
+        "NULL is an empty cell, text stays text. Written as text, since a number cell cannot\n"
+        "hold them exactly: 64-bit integers beyond 2^53 (9007199254740992), NaN, infinities.\n"
         "A workbook already at WORKBOOK is replaced once the new one is complete; any other\n"
         "file (a GeoPackage, a CSV, an .xls or encrypted workbook, ...) is left alone unless\n"
         "--overwrite is given, and WORKBOOK may never be LAYER's own file.\n\n"
@@ -178,7 +193,9 @@ Command exportCommand()
         "                     such as \"POP > 10\" or \"NAME = 'Paris'\"\n"
         "  --columns NAME...  a plain sheet of a point layer, one column per NAME: X, Y and\n"
         "                     Z give the point's coordinates, other names a field's values\n"
-        "  --overwrite        replace WORKBOOK even when it is not a workbook\n\n"
+        "  --overwrite        replace WORKBOOK even when it is not a workbook\n"
+        "  --text             write every value as a text cell instead, a number as the\n"
+        "                     shortest text that reads back as the same number\n\n"
         "Long exports show their progress on a terminal. Exit status 1 when the layer\n"
         "cannot be opened or the workbook is refused or not saved; the message says why.");
     command.run = runExport;
@@ -191,13 +208,17 @@ Command exportTableCommand()
     command.name = QStringLiteral("export-table");
     command.summary = QStringLiteral("export an attribute table to a workbook");
     command.usage = QStringLiteral(
-        "Usage: vygis export-table TABLE WORKBOOK [--overwrite]\n\n"
+        "Usage: vygis export-table TABLE WORKBOOK [--overwrite] [--text]\n\n"
         "Writes every row of TABLE (PATH or PATH:LAYER: the attributes of any layer, a\n"
         "CSV file, a GeoPackage table or a spatial layer) to a new WORKBOOK below the title\n"
-        "\"<table>_attribute table\" and a header of field names. WORKBOOK is protected as\n"
-        "in 'vygis export': only a workbook is replaced unless --overwrite is given, never\n"
-        "TABLE's own file. Exit status 1 when the table cannot be opened or the workbook is\n"
-        "refused or not saved; the message says why.");
+        "\"<table>_attribute table\" and a header of field names. Values are typed cells,\n"
+        "as in 'vygis export'. WORKBOOK is protected as in 'vygis export': only a workbook\n"
+        "is replaced unless --overwrite is given, never TABLE's own file.\n\n"
+        "  --overwrite  replace WORKBOOK even when it is not a workbook\n"
+        "  --text       write every value as a text cell instead, a number as the shortest\n"
+        "               text that reads back as the same number\n\n"
+        "Exit status 1 when the table cannot be opened or the workbook is refused or not\n"
+        "saved; the message says why.");
     command.run = runExportTable;
     return command;
 }
