@@ -224,6 +224,24 @@ TEST_F(ToolSafety, TheDemoWritesOnlyIntoItsOwnFolder)
     EXPECT_EQ(vygis({QStringLiteral("demo"), demo}).status, 0) << "a demo's own folder may be written again";
 }
 
+TEST_F(ToolSafety, AnExportThatCutsTextsToExcelsLimitSaysSo)
+{
+    const QString package = file(QStringLiteral("notes.gpkg"));
+    QString error;
+    const auto source = TsGdalDataSource::create(package, &error);
+    ASSERT_TRUE(source && source->createLayer(QStringLiteral("notes"), TsLayer::PointLayer,
+                                              {{QStringLiteral("note")}}, &error)) << error.toStdString();
+    const auto writer = source->featureWriter(QStringLiteral("notes"), &error);
+    writer->addFeature({TsVariant(TsString(std::string(40000, 'n').c_str()))});
+    ASSERT_TRUE(writer->commit(&error)) << error.toStdString();
+
+    const QString workbook = file(QStringLiteral("notes.xlsx"));
+    const ToolRun run = vygis({QStringLiteral("export"), package, workbook});
+    EXPECT_EQ(run.status, 0) << run.err.toStdString();
+    EXPECT_TRUE(run.err.contains(QStringLiteral("note")) && run.err.contains(QStringLiteral("cut to 32767")))
+        << run.err.toStdString();
+}
+
 TEST_F(ToolSafety, AMissingFolderIsNamed)
 {
     const QString output = file(QStringLiteral("no/such/folder/out.xlsx"));

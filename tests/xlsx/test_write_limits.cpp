@@ -178,7 +178,7 @@ void fillFormatsWorkbook(Document& doc)
 
 QString cellName(int row, int column) { return CellReference(row, column).toString(); }
 
-// Messages logged in the category of saves while it lives.
+// Messages logged in the category of what saves changed while it lives.
 class SaveWarnings
 {
 public:
@@ -189,7 +189,7 @@ public:
 private:
     static void collect(QtMsgType type, const QMessageLogContext& context, const QString& message)
     {
-        if (type == QtWarningMsg && qstrcmp(context.category, "vygis.xlsx.save") == 0)
+        if (type == QtWarningMsg && qstrcmp(context.category, "vygis.xlsx.limits") == 0)
             s_messages << message;
     }
     static inline QStringList s_messages;

@@ -1,5 +1,7 @@
 #include "filesafety.h"
 
+#include "command.h"
+
 #include "xlsxdocument.h"
 
 #include <QDir>
@@ -113,6 +115,11 @@ void keepSaveError(QtMsgType type, const QMessageLogContext& context, const QStr
 {
     if (context.category && qstrcmp(context.category, "vygis.xlsx.save") == 0) {
         lastSaveError = message;
+        return;
+    }
+    // A save that had to cut texts or drop formats to stay within Excel's limits.
+    if (context.category && qstrcmp(context.category, "vygis.xlsx.limits") == 0) {
+        printError(QStringLiteral("vygis: note: %1").arg(message));
         return;
     }
     if (previousHandler)

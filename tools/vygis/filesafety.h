@@ -59,7 +59,8 @@ QString outputRefusal(const QString& path, const QStringList& inputs, OutputUse 
 QString workbookInputRefusal(const QString& path);
 
 // Keeps the reasons the workbook engine logs for failed saves, instead of printing
-// them, so that the command's own message can give them. Called once at start.
+// them, so that the command's own message can give them, and prints what a save had
+// to change to stay within Excel's limits as a note. Called once at start.
 void keepSaveErrorsForMessages();
 
 // The reason the engine logged for the last failed save at path; empty when no save

@@ -81,7 +81,7 @@ public:
 
     // What the last successful save changed to keep within Excel's limits, which Excel
     // otherwise answers with a repair prompt; each is also logged as a warning in
-    // "vygis.xlsx.save". The document itself keeps everything as written.
+    // "vygis.xlsx.limits". The document itself keeps everything as written.
     // Cells whose text was longer than 32,767 characters (UTF-16 units) and was saved cut
     // to that length, never in the middle of a surrogate pair:
     qint64 cutTextCount() const;

@@ -14,6 +14,9 @@ namespace QXlsx {
 // Callers that only learn "not saved" (the library's functions answer with a bool) find
 // the reason in the log: a full disk, a read-only file, a missing folder.
 Q_LOGGING_CATEGORY(lcDocumentSave, "vygis.xlsx.save", QtWarningMsg)
+// What a save that succeeded changed to keep within Excel's limits, apart from the
+// failures, so that a caller can tell the two.
+Q_LOGGING_CATEGORY(lcDocumentLimits, "vygis.xlsx.limits", QtWarningMsg)
 
 namespace {
 
@@ -29,10 +32,10 @@ bool saveFailed(QString& errorString, const QString& path, const QString& reason
 void warnOfLimits(const QString& target, const detail::SaveReport& report)
 {
     if (report.cutTexts > 0)
-        qCWarning(lcDocumentSave, "%s: %llu cell texts longer than 32767 characters were cut to 32767",
+        qCWarning(lcDocumentLimits, "%s: %llu cell texts longer than 32767 characters were cut to 32767",
                   qUtf8Printable(target), static_cast<unsigned long long>(report.cutTexts));
     if (report.droppedFormats > 0)
-        qCWarning(lcDocumentSave,
+        qCWarning(lcDocumentLimits,
                   "%s: %u cell formats beyond 64000 were written as their number format alone",
                   qUtf8Printable(target), report.droppedFormats);
 }
