@@ -364,8 +364,8 @@ TEST_F(ToolSafetyLimits, AnExportStoppedPartWayLeavesTheOldWorkbook)
     ASSERT_TRUE(writer->commit(&error)) << error.toStdString();
 
     // Stopped at fractions of a full run: early ones land while the layer is read, late
-    // ones while the new workbook is written. Either the run was stopped and the old
-    // workbook is whole, or it had ended and the new one is: never a mix.
+    // ones while the new workbook is written. Either the old workbook is whole or the
+    // new one is complete: never a mix.
     const QByteArray before = bytesOf(sample(QStringLiteral("cities.xlsx")));
     QElapsedTimer clock;
     clock.start();
@@ -384,12 +384,11 @@ TEST_F(ToolSafetyLimits, AnExportStoppedPartWayLeavesTheOldWorkbook)
             QThread::msleep(static_cast<unsigned long>(fraction * fullRun));
             ::kill(static_cast<pid_t>(export_.processId()), signal);
             export_.waitForFinished(60000);
-            if (export_.exitStatus() == QProcess::CrashExit) {
+            // A signal may also land after the new workbook has replaced the old one.
+            if (bytesOf(workbook) == before)
                 ++stopped;
-                EXPECT_EQ(bytesOf(workbook), before);
-            } else {
+            else
                 EXPECT_EQ(sheet(workbook).size(), 200002u);
-            }
         }
     }
     EXPECT_GE(stopped, 3) << "too few runs were stopped part way to tell anything";
