@@ -5,6 +5,7 @@
 
 #include "vygisutil.h"
 
+#include <QFile>
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QStringList>
@@ -13,6 +14,33 @@
 #include <gtest/gtest.h>
 
 #include <vector>
+
+// The bytes of a file; empty when it cannot be read.
+inline QByteArray bytesOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+inline void writeBytes(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(bytes);
+}
+
+// A compound document holding the directory entries streams (UTF-16) as Excel writes
+// them: EncryptionInfo and EncryptedPackage for a workbook with a password to open,
+// Workbook for the Excel 97-2003 format.
+inline QByteArray compoundDocument(const QStringList& streams)
+{
+    QByteArray bytes("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", 8);
+    bytes.append(QByteArray(504, '\0'));
+    for (const QString& stream : streams)
+        bytes.append(QByteArray(reinterpret_cast<const char*>(stream.utf16()), stream.size() * 2)
+                         .leftJustified(128, '\0'));
+    return bytes.leftJustified(4096, '\0');
+}
 
 struct ToolRun
 {

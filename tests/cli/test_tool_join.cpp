@@ -13,36 +13,12 @@ using namespace VyObjects;
 
 namespace {
 
-QByteArray bytesOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void writeBytes(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(bytes);
-}
-
 // The bytes of a layer's attributes: a shapefile's .dbf, or the whole file.
 QByteArray attributeBytes(const QString& path)
 {
     if (!path.endsWith(QLatin1String(".shp")))
         return bytesOf(path);
     return bytesOf(path.left(path.size() - 3) + QStringLiteral("dbf"));
-}
-
-// A compound document with the given directory entries, as Excel writes encrypted
-// workbooks (EncryptionInfo, EncryptedPackage) and 97-2003 ones (Workbook).
-QByteArray compoundDocument(const QStringList& streams)
-{
-    QByteArray bytes("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", 8);
-    bytes.append(QByteArray(504, '\0'));
-    for (const QString& stream : streams)
-        bytes.append(QByteArray(reinterpret_cast<const char*>(stream.utf16()), stream.size() * 2).leftJustified(128, '\0'));
-    return bytes.leftJustified(4096, '\0');
 }
 
 // A null stands apart from an empty text.

@@ -21,33 +21,6 @@ using namespace VyObjects;
 
 namespace {
 
-QByteArray bytesOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void writeBytes(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(bytes);
-}
-
-// A compound document holding the directory entries name (UTF-16) as Excel writes
-// them: EncryptionInfo and EncryptedPackage for a workbook with a password to open,
-// Workbook for the Excel 97-2003 format.
-QByteArray compoundDocument(const QStringList& streams)
-{
-    QByteArray bytes("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", 8);
-    bytes.append(QByteArray(504, '\0'));
-    for (const QString& stream : streams) {
-        QByteArray entry(reinterpret_cast<const char*>(stream.utf16()), stream.size() * 2);
-        bytes.append(entry.leftJustified(128, '\0'));
-    }
-    return bytes.leftJustified(4096, '\0');
-}
-
 // The writing commands, each with arguments that write its output at a given path.
 struct WritingCommand
 {
