@@ -1,5 +1,6 @@
 #include "vygisutil.h"
 
+#include "tsqtext.h"
 #include "tssde.h"
 #include "vygiscore.h"
 #include "xlsxdocument.h"
@@ -10,27 +11,11 @@
 #include <QObject>
 #include <QPushButton>
 
-#include <string>
 #include <vector>
 
 using namespace VyObjects;
 
 namespace {
-
-// The object library holds UTF-16 as QString does, so a text crosses over unchanged and
-// without a detour through wchar_t, which is 32 bits wide on some platforms. This runs
-// once per joined cell.
-TsString tsText(const QString& text)
-{
-    return TsString(std::u16string(reinterpret_cast<const char16_t*>(text.utf16()),
-                                   static_cast<std::size_t>(text.size())));
-}
-
-QString qtText(const TsString& text)
-{
-    const std::u16string& utf16 = text.utf16();
-    return QString(reinterpret_cast<const QChar*>(utf16.data()), static_cast<int>(utf16.size()));
-}
 
 QString cellText(const QXlsx::Worksheet& sheet, int row, int column)
 {
@@ -108,7 +93,7 @@ void indexColumns(const QXlsx::Worksheet& sheet, int lastColumn,
         columnByHeader.insert(header, column);
     }
     for (const QString& header : headers) {
-        const TsString field = tsText(fieldNames.value(header, header));
+        const TsString field = toTsString(fieldNames.value(header, header));
         if (layer.FindField(field))
             index.columns.push_back({columnByHeader.value(header), field});
     }
@@ -131,7 +116,7 @@ QString keyText(const TsVariant& value, const TsField& keyField)
     if (type == TsField::SingleField || type == TsField::DoubleField)
         return VyApplication::doubleToQString(value.GetDouble(),
                                               static_cast<int>(keyField.GetPrecision()));
-    return qtText(value.ToString());
+    return toQString(value.ToString());
 }
 
 void joinRows(TsFeatureLayer& layer, TsLayerEditBuffer& edits, const std::vector<int>& ids,
@@ -150,7 +135,7 @@ void joinRows(TsFeatureLayer& layer, TsLayerEditBuffer& edits, const std::vector
         if (match == index.rowByKey.constEnd())
             continue;
         for (const JoinedColumn& joined : index.columns) {
-            const TsVariant value(tsText(cellText(sheet, match.value(), joined.column)));
+            const TsVariant value(toTsString(cellText(sheet, match.value(), joined.column)));
             edits.ChangeAttribute(id, joined.field, value, false);
         }
     }
@@ -165,7 +150,7 @@ bool VyExcelUtil::assocationFromExcel(const QString& path, const QString& keyFie
     if (!layer)
         return false;
     const QString keyName = keyField.toUpper();
-    const TsString keyFieldName = tsText(keyName);
+    const TsString keyFieldName = toTsString(keyName);
     const TsRefPtr<TsField> field = layer->FindField(keyFieldName);
     if (!field)
         return false;

@@ -2,6 +2,7 @@
 #include "command.h"
 #include "dxftext.h"
 #include "filesafety.h"
+#include "tsqtext.h"
 #include "vygisutil.h"
 
 #include <QFile>
@@ -155,7 +156,7 @@ int rewriteEveryAnsiLine(const QString& path, DrawingBytes& drawing)
     if (!refusal.isEmpty())
         return failure(name(), refusal + QStringLiteral("; it is left as it is"));
     drawing.close();
-    VyUniversalFunction::replaceDxfCodepage(VyObjects::TsString(path.toStdWString()));
+    VyUniversalFunction::replaceDxfCodepage(VyObjects::toTsString(path));
     // The library function reports nothing; whether its save landed shows in the file.
     DrawingBytes rewritten;
     if (!rewritten.open(path) || DxfText::countAnsiLines(rewritten.bytes()).toRewrite != 0)

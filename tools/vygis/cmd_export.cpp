@@ -2,8 +2,8 @@
 #include "command.h"
 #include "export/attributeexports.h"
 #include "filesafety.h"
-#include "hosttext.h"
 #include "layersource.h"
+#include "tsqtext.h"
 #include "vygisutil.h"
 
 #include <functional>
@@ -92,7 +92,7 @@ QStringList fieldNames(const TsFeatureLayer& layer)
     QStringList names;
     const TsRefPtr<TsFields> fields = layer.GetFields();
     for (int i = 0; fields && i < fields->GetFieldCount(); ++i)
-        names.append(qtText(fields->GetField(i)->GetName()));
+        names.append(toQString(fields->GetField(i)->GetName()));
     return names;
 }
 

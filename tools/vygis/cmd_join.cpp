@@ -1,13 +1,13 @@
 #include "arguments.h"
 #include "command.h"
 #include "filesafety.h"
-#include "hosttext.h"
 #include "interruption.h"
 #include "joinreport.h"
 #include "joinwatch.h"
 #include "joinworkbook.h"
 #include "layersource.h"
 #include "terminalprogress.h"
+#include "tsqtext.h"
 #include "vygisutil.h"
 
 using namespace VyObjects;
@@ -59,7 +59,7 @@ QString quotedList(const QStringList& texts)
 int checkFieldMap(const JoinRequest& request, const JoinWorkbook& workbook, const TsFeatureLayer& layer)
 {
     for (auto entry = request.fieldNames.cbegin(); entry != request.fieldNames.cend(); ++entry) {
-        if (!layer.FindField(tsText(entry.value())))
+        if (!layer.FindField(toTsString(entry.value())))
             return usageError(commandName, QStringLiteral("--map %1=%2: %3 has no field %2")
                                                .arg(entry.key(), entry.value(), request.layer));
         if (!workbook.dataHeaders().contains(entry.key()))
@@ -73,7 +73,7 @@ int checkFieldMap(const JoinRequest& request, const JoinWorkbook& workbook, cons
 int checkColumns(const JoinRequest& request, const JoinWorkbook& workbook, const TsFeatureLayer& layer)
 {
     for (const QString& header : workbook.dataHeaders()) {
-        if (layer.FindField(tsText(JoinWorkbook::fieldFor(header, request.fieldNames))))
+        if (layer.FindField(toTsString(JoinWorkbook::fieldFor(header, request.fieldNames))))
             return ExitSuccess;
     }
     return failure(commandName, QStringLiteral("%1: no column goes to a field of %2 (headers besides the key: %3); "
@@ -91,7 +91,7 @@ int checkBeforeJoining(const JoinRequest& request, JoinWorkbook& workbook, Termi
     const TsRefPtr<TsFeatureLayer> layer = openFeatureLayer(request.layer, TsGdalDataSource::ReadOnly, &error);
     if (!layer)
         return failure(commandName, error);
-    if (!layer->FindField(tsText(request.keyName)))
+    if (!layer->FindField(toTsString(request.keyName)))
         return failure(commandName, QStringLiteral("%1: the layer has no field %2").arg(request.layer, request.keyName));
     progress.step(QStringLiteral("checking %1").arg(request.workbook));
     const bool keyFound = workbook.read(request.workbook, request.keyName);

@@ -1,7 +1,7 @@
 #include "arguments.h"
 #include "command.h"
-#include "hosttext.h"
 #include "layersource.h"
+#include "tsqtext.h"
 #include "vygisutil.h"
 
 using namespace VyObjects;
@@ -23,9 +23,9 @@ int runLayerName(const QStringList& arguments)
     if (!source)
         return failure(commandName, error);
     const TsRefPtr<TsMap> map = source->map();
-    const auto layer = TsRefPtr<TsLayer>::create(tsText(parsed.positional(1)), TsLayer::UnknownLayer);
+    const auto layer = TsRefPtr<TsLayer>::create(toTsString(parsed.positional(1)), TsLayer::UnknownLayer);
     VyUniversalFunction::setLayerName(map.get(), layer);
-    printLine(qtText(layer->GetLayerName()));
+    printLine(toQString(layer->GetLayerName()));
     return ExitSuccess;
 }
 

@@ -1,7 +1,7 @@
 #include "csv.h"
 #include "demo.h"
-#include "hosttext.h"
 #include "layersource.h"
+#include "tsqtext.h"
 #include "vygisutil.h"
 
 #include <QFile>
@@ -15,7 +15,7 @@ const QString countriesLayer = QStringLiteral("countries-110m.json:countries");
 int countFeatures(TsFeatureLayer& layer, const QString& whereClause)
 {
     std::vector<int> ids;
-    return layer.Search(TsQueryFilter(tsText(whereClause)), ids) ? static_cast<int>(ids.size()) : -1;
+    return layer.Search(TsQueryFilter(toTsString(whereClause)), ids) ? static_cast<int>(ids.size()) : -1;
 }
 
 void exportLayers(DemoRun& run)
@@ -122,7 +122,7 @@ void joinCountryFacts(DemoRun& run)
     const auto added = TsRefPtr<TsLayer>::create(TsString("countries"), TsLayer::PolygonLayer);
     VyUniversalFunction::setLayerName(source ? source->map().get() : nullptr, added);
     run.found(QStringLiteral("another layer \"countries\" added to the map of countries.gpkg would be named \"%1\"")
-                  .arg(qtText(added->GetLayerName())));
+                  .arg(toQString(added->GetLayerName())));
 }
 
 } // namespace

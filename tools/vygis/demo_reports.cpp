@@ -2,6 +2,7 @@
 #include "layersource.h"
 #include "pointfile.h"
 #include "topologyjson.h"
+#include "tsqtext.h"
 #include "vygisutil.h"
 
 #include <QFile>
@@ -20,8 +21,7 @@ QStringList errorTriples(const TsTopology& topology)
         if (topology.GetTopoErrorInfo(i, e.number, e.ruleId, e.featureId, e.relatedFeatureId,
                                       e.layerId, e.relatedLayerId, e.layerName, e.relatedLayerName,
                                       e.coordinate, e.ruleDescription, e.errorType, e.isException))
-            ++counts[{QString::fromStdWString(e.ruleDescription.toStdWString()),
-                      QString::fromStdWString(e.layerName.toStdWString())}];
+            ++counts[{toQString(e.ruleDescription), toQString(e.layerName)}];
     }
     QStringList triples;
     for (auto count = counts.cbegin(); count != counts.cend(); ++count)

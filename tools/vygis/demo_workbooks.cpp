@@ -1,5 +1,6 @@
 #include "csv.h"
 #include "demo.h"
+#include "tsqtext.h"
 #include "vygisutil.h"
 
 #include <QFile>
@@ -43,7 +44,7 @@ void rewriteDxf(DemoRun& run)
     const QString dxf = run.copyOfSample(QStringLiteral("drawing.dxf"), QStringLiteral("drawing.dxf"));
     if (dxf.isEmpty())
         return run.failed(QStringLiteral("could not copy drawing.dxf"));
-    VyUniversalFunction::replaceDxfCodepage(VyObjects::TsString(dxf.toStdWString()));
+    VyUniversalFunction::replaceDxfCodepage(VyObjects::toTsString(dxf));
     QFile file(dxf);
     const QByteArray text = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     const bool rewritten = text.contains("\nANSI_936") && !text.contains("ANSI_1252");

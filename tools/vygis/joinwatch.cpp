@@ -1,6 +1,6 @@
 #include "joinwatch.h"
 
-#include "hosttext.h"
+#include "tsqtext.h"
 #include "vyapplication.h"
 
 using namespace VyObjects;
@@ -14,7 +14,7 @@ QString keyText(const TsVariant& value, const TsField& keyField)
     const TsField::FieldType type = keyField.GetFieldType();
     if (type == TsField::SingleField || type == TsField::DoubleField)
         return VyApplication::doubleToQString(value.GetDouble(), static_cast<int>(keyField.GetPrecision()));
-    return qtText(value.ToString());
+    return toQString(value.ToString());
 }
 
 } // namespace
@@ -23,7 +23,7 @@ WatchedJoinLayer::WatchedJoinLayer(const TsRefPtr<TsFeatureLayer>& layer, const 
                                    TerminalProgress& progress)
     : TsFeatureLayer(layer->GetLayerName(), layer->GetLayerType()),
       m_layer(layer),
-      m_keyName(tsText(keyName)),
+      m_keyName(toTsString(keyName)),
       m_keyField(layer->FindField(m_keyName)),
       m_progress(progress)
 {

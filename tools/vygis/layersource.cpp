@@ -1,6 +1,6 @@
 #include "layersource.h"
 
-#include "hosttext.h"
+#include "tsqtext.h"
 
 #include <QFileInfo>
 
@@ -49,7 +49,7 @@ bool setLayerFilter(TsFeatureLayer& layer, const QString& whereClause, QString* 
         *error = QStringLiteral("this layer takes no filter");
         return false;
     }
-    gdalLayer->SetQueryFilter(TsQueryFilter(tsText(whereClause)));
+    gdalLayer->SetQueryFilter(TsQueryFilter(toTsString(whereClause)));
     std::vector<int> ids;
     if (gdalLayer->Search(gdalLayer->query_filter(), ids))
         return true;

@@ -1,6 +1,6 @@
 #include "topologyjson.h"
 
-#include "hosttext.h"
+#include "tsqtext.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -54,7 +54,7 @@ bool ErrorReader::text(const QString& key, TsString& value)
         m_problem = QStringLiteral("\"%1\" must be a text").arg(key);
         return false;
     }
-    value = tsText(member.toString());
+    value = toTsString(member.toString());
     return true;
 }
 
