@@ -1,6 +1,6 @@
 #pragma once
 
-#include "read/packagereader.h"
+#include "readlimits.h"
 
 #include <QByteArray>
 #include <QHash>
