@@ -13,6 +13,8 @@
 #include "tsmemorytopology.h"
 
 #include <QFile>
+#include <QSet>
+#include <QVariant>
 #include <QStandardItemModel>
 #include <QTableWidget>
 #include <QTemporaryDir>
@@ -75,69 +77,96 @@ TEST_F(RepeatedCalls, ExportsAndReportsGiveBackWhatTheyTake)
 
     for (int round = 0; round < Rounds; ++round) {
         const QString out = path(QStringLiteral("out%1.xlsx").arg(round % 3));
-        VyExcelUtil::export2Excel("title", out, &model, {1});
-        VyExcelUtil::export2Excel(out, pointLayer().get(), true, {});
-        VyExcelUtil::export2ExcelHasXYZ(out, pointLayer().get(), {"X", "Y", "Z", "DEPTH"}, true, {});
-        VyExcelUtil::export2Excel(out, TsRefPtr<TsTable>(table));
-        VyExcelUtil::export2Excel(out, TsRefPtr<TsTable>());
-        VyExcelUtil::exportErrorTable({"type", "1", "roads"}, out);
-        VyExcelUtil::exportExcelByTsTopology(out, topology.get());
-        VyExcelUtil::exportExcelByTableWidget(out, &widget);
-        VyExcelUtil::saveQueryElevationOutputFile(out, {"1", "1", "20", "20"}, TsRefPtr<TsRasterProps>(dem));
-        VyExcelUtil::saveQueryElevationOutputFile(out, {"1", "1"}, TsRefPtr<TsRasterProps>());
+        // One letter per call, so that a round that answers differently shows which call.
+        std::string answers;
+        const auto note = [&answers](bool ok) { answers += ok ? 'y' : 'n'; };
+        note(VyExcelUtil::export2Excel("title", out, &model, {1}));
+        note(VyExcelUtil::export2Excel(out, pointLayer().get(), true, {}));
+        note(VyExcelUtil::export2ExcelHasXYZ(out, pointLayer().get(), {"X", "Y", "Z", "DEPTH"}, true, {}));
+        note(VyExcelUtil::export2Excel(out, TsRefPtr<TsTable>(table)));
+        note(VyExcelUtil::export2Excel(out, TsRefPtr<TsTable>()));
+        note(VyExcelUtil::exportErrorTable({"type", "1", "roads"}, out));
+        note(VyExcelUtil::exportExcelByTsTopology(out, topology.get()));
+        note(VyExcelUtil::exportExcelByTableWidget(out, &widget));
+        note(VyExcelUtil::saveQueryElevationOutputFile(out, {"1", "1", "20", "20"}, TsRefPtr<TsRasterProps>(dem)));
+        note(VyExcelUtil::saveQueryElevationOutputFile(out, {"1", "1"}, TsRefPtr<TsRasterProps>()));
         for (const QString& input : inputs())
-            VyExcelUtil::exportErrorTable({"type", "1", "roads"}, input + ".copy");
+            note(VyExcelUtil::exportErrorTable({"type", "1", "roads"}, input + ".copy"));
+        ASSERT_EQ(answers, "yyyynyyyynyyy") << "round " << round;
     }
 }
 
 TEST_F(RepeatedCalls, ReadersAndImportsGiveBackWhatTheyTake)
 {
     QTableWidget widget(0, 4);
+    QStringList firstAnswers;
     for (int round = 0; round < Rounds; ++round) {
+        // What every reader gave, in one list per round: nothing is kept between calls,
+        // so every round must read the same.
+        QStringList answers;
+        const auto note = [&answers](auto&&... parts) {
+            QStringList line;
+            (line << ... << QVariant::fromValue(parts).toString());
+            answers << line.join(QLatin1Char('|'));
+        };
         for (const QString& input : inputs()) {
             std::vector<QStringList> rows;
             VyExcelUtil::getExcelData(input, rows);
+            note(int(rows.size()), rows.empty() ? QString() : rows.front().join(','));
             QMap<QString, int> keys{{"roads", 0}};
-            VyExcelUtil::importExcelToTableWidget(input, keys, &widget);
+            note(VyExcelUtil::importExcelToTableWidget(input, keys, &widget));
             if (input == m_template)   // elsewhere the missing key column asks the user
-                VyExcelUtil::assocationFromExcel(input, "TableName", pointLayer().get(), {});
+                note(VyExcelUtil::assocationFromExcel(input, "TableName", pointLayer().get(), {}));
             QVector<QStringList> rules;
-            VyExcelUtil::readAttributeCheckRuleFromExcel(input, rules);
-            VyExcelUtil::readCoordinateFile(input);
-            VyExcelUtil::readCoordinateFile2(input);
+            note(VyExcelUtil::readAttributeCheckRuleFromExcel(input, rules), rules.size());
+            note(int(VyExcelUtil::readCoordinateFile(input).size()));
+            note(VyExcelUtil::readCoordinateFile2(input).join(','));
             QMap<QString, QString> pairs;
-            VyExcelUtil::readTransactionTemplateFile(input, pairs);
-            VyExcelUtil::readFieldsTemplateTableName(input);
-            VyExcelUtil::readFieldsTemplateTableContent("roads", input);
-            VyExcelUtil::readFieldsTemplateTableContent1("roads", input);
-            VyExcelUtil::getImportTemplateTable(input);
-            VyExcelUtil::getImportTemplateTableName(input);
+            note(VyExcelUtil::readTransactionTemplateFile(input, pairs), pairs.size());
+            note(VyExcelUtil::readFieldsTemplateTableName(input).join(','));
+            note(VyExcelUtil::readFieldsTemplateTableContent("roads", input).join(','));
+            note(VyExcelUtil::readFieldsTemplateTableContent1("roads", input).join(','));
+            note(VyExcelUtil::getImportTemplateTable(input).join(','));
+            note(VyExcelUtil::getImportTemplateTableName(input).join(','));
         }
+        if (round == 0)
+            firstAnswers = answers;
+        ASSERT_EQ(answers, firstAnswers) << "round " << round;
     }
+    // The template is read as one: its table name and field row come back.
+    EXPECT_TRUE(firstAnswers.join('\n').contains("roads"));
+    EXPECT_TRUE(firstAnswers.join('\n').contains("NAME"));
     EXPECT_EQ(widget.rowCount(), Rounds);
 }
 
 TEST_F(RepeatedCalls, WritersAndLayerUtilitiesGiveBackWhatTheyTake)
 {
     const auto map = TsRefPtr<TsMap>::create();
+    QSet<QString> names;
     for (int round = 0; round < Rounds; ++round) {
         const QString book = path(QStringLiteral("book%1.xlsx").arg(round));
         VyExcelUtil::createExcel(book);
-        VyExcelUtil::updateFieldsTemplateTableContent({"t", "f", "text", "1", "0"}, book);
+        EXPECT_TRUE(VyExcelUtil::updateFieldsTemplateTableContent({"t", "f", "text", "1", "0"}, book));
         VyExcelUtil::updateTemplateName(book, {"t", "u"});
-        VyExcelUtil::clearExcel(book);
+        EXPECT_EQ(VyExcelUtil::readFieldsTemplateTableName(book), QStringList({"t", "u"}));
+        EXPECT_TRUE(VyExcelUtil::clearExcel(book));
         const auto layer = TsRefPtr<TsLayer>::create("roads", TsLayer::LineLayer);
         VyUniversalFunction::setLayerName(map.get(), layer);
         map->AddLayer(layer);
         VyUniversalFunction::setLayerName(nullptr, layer);
-        VyUniversalFunction::layertypeToIcon(TsLayer::LayerType(round % 7));
+        names.insert(QString::fromStdU16String(layer->GetLayerName().utf16()));
+        EXPECT_FALSE(VyUniversalFunction::layertypeToIcon(TsLayer::LayerType(round % 7)).isNull());
         const QString drawing = path("drawing.dxf");
         QFile dxf(drawing);
         ASSERT_TRUE(dxf.open(QIODevice::WriteOnly));
         dxf.write("  9\n$DWGCODEPAGE\n  3\nANSI_1252\n");
         dxf.close();
         VyUniversalFunction::replaceDxfCodepage(TsString(drawing.toStdWString()));
+        ASSERT_TRUE(dxf.open(QIODevice::ReadOnly));
+        EXPECT_TRUE(dxf.readAll().contains("ANSI_936"));
     }
+    // Every layer added to the map got a name of its own.
+    EXPECT_EQ(names.size(), Rounds);
 }
 
 } // namespace
