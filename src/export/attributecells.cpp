@@ -2,6 +2,7 @@
 #include "workbook/conventions.h"
 
 #include "tsbase.h"
+#include "tsqtext.h"
 #include "vygiscore.h"
 
 #include <QDate>
@@ -22,7 +23,7 @@ constexpr qint64 kJulianDayOf1970 = 2440588;
 
 QString ownText(const TsVariant& value)
 {
-    return vygis::hostText(value.ToString());
+    return VyObjects::toQString(value.ToString());
 }
 
 QVariant integerCell(std::int64_t value)

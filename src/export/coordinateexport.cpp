@@ -5,6 +5,7 @@
 #include "workbook/conventions.h"
 
 #include "tsgeo.h"
+#include "tsqtext.h"
 #include "tssde.h"
 #include "xlsxdocument.h"
 
@@ -37,7 +38,7 @@ bool aliasOf(const TsFields& fields, const TsString& name, QString& alias)
     const TsRefPtr<TsField> field = fields.GetField(fields.FindFieldIndex(name));
     if (!field)
         return false;
-    alias = vygis::hostText(field->GetAliasName());
+    alias = toQString(field->GetAliasName());
     return true;
 }
 
@@ -45,7 +46,7 @@ QString headerOf(const QString& name, ColumnKind kind, const TsFields& fields, b
 {
     QString alias;
     if (!withAlias || kind != ColumnKind::Field
-        || !aliasOf(fields, TsString(name.toStdWString()), alias))
+        || !aliasOf(fields, toTsString(name), alias))
         return name;
     return name + QLatin1Char('(') + alias + QLatin1Char(')');
 }
@@ -111,7 +112,7 @@ bool vygis::exportPointLayer(const QString& path, TsFeatureLayer* layer,
             const QString& name = fieldNames[i];
             const ColumnKind kind = kindOf(name);
             columns.push_back(kind);
-            names.push_back(kind == ColumnKind::Field ? TsString(name.toStdWString()) : TsString());
+            names.push_back(kind == ColumnKind::Field ? toTsString(name) : TsString());
             headers.append(headerOf(name, kind, *fields, withAlias));
         }
     }

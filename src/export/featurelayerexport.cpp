@@ -4,6 +4,7 @@
 #include "export/valuesbyname.h"
 #include "workbook/conventions.h"
 
+#include "tsqtext.h"
 #include "tssde.h"
 #include "xlsxdocument.h"
 
@@ -36,10 +37,10 @@ ExportedFields exportedFields(const TsFields& fields, bool withAlias,
         const TsRefPtr<TsField> field = fields.GetField(i);
         if (!field)
             continue;
-        const QString name = vygis::hostText(field->GetName());
+        const QString name = toQString(field->GetName());
         exported.names.push_back(field->GetName());
         exported.headers.append(withAlias ? name + QLatin1Char('(')
-                                                + vygis::hostText(field->GetAliasName())
+                                                + toQString(field->GetAliasName())
                                                 + QLatin1Char(')')
                                           : name);
     }
@@ -74,7 +75,7 @@ bool vygis::exportFeatureLayer(const QString& path, TsFeatureLayer* layer, bool 
     if (width == 0 || width > vygis::kSheetColumnCount)
         return false;
 
-    const QString title = vygis::hostText(layer->GetLayerName()) + QLatin1Char('_')
+    const QString title = toQString(layer->GetLayerName()) + QLatin1Char('_')
                           + QObject::tr("attribute table");
     vygis::writeTitleRow(document, title, width);
     const QXlsx::Format header = vygis::greyHeaderFormat();

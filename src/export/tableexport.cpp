@@ -3,6 +3,7 @@
 #include "export/sheetlimits.h"
 #include "workbook/conventions.h"
 
+#include "tsqtext.h"
 #include "tssde.h"
 #include "xlsxdocument.h"
 
@@ -21,7 +22,7 @@ QStringList fieldNamesOf(const TsFields& fields)
     names.reserve(count);
     for (int i = 0; i < count; ++i) {
         const TsRefPtr<TsField> field = fields.GetField(i);
-        names.append(field ? vygis::hostText(field->GetName()) : QString());
+        names.append(field ? toQString(field->GetName()) : QString());
     }
     return names;
 }
@@ -42,7 +43,7 @@ bool vygis::exportTable(const QString& path, TsRefPtr<TsTable> tableReference,
     if (path.isEmpty() || !table)
         return false;
 
-    const QString title = vygis::hostText(table->GetTableName()) + QLatin1Char('_')
+    const QString title = toQString(table->GetTableName()) + QLatin1Char('_')
                           + QObject::tr("attribute table");
     const TsQueryFilter everyRow;
     const TsRefPtr<TsRowCursor> cursor = table->GetRowCursor(everyRow);

@@ -1,6 +1,6 @@
 #include "tsattributecondition.h"
 
-#include "tsqstring_p.h"
+#include "tsqtext.h"
 #include "tstable.h"
 
 #include <QRegularExpression>

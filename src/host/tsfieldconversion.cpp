@@ -2,7 +2,7 @@
 
 #include "tsfield.h"
 
-#include "tsqstring_p.h"
+#include "tsqtext.h"
 
 #include <QDateTime>
 

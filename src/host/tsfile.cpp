@@ -1,6 +1,6 @@
 #include "tsbase.h"
 
-#include "tsqstring_p.h"
+#include "tsqtext.h"
 
 #include <QFileInfo>
 

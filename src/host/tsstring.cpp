@@ -1,6 +1,6 @@
 #include "tsstring.h"
 
-#include "tsqstring_p.h"
+#include "tsqtext.h"
 
 #include <QString>
 #include <QStringView>
@@ -11,20 +11,10 @@ namespace VyObjects {
 
 namespace {
 
-std::u16string fromQString(const QString& text)
-{
-    return toTsString(text).utf16();
-}
-
-QString toQString(const std::u16string& text)
-{
-    return QString::fromUtf16(text.data(), static_cast<int>(text.size()));
-}
-
 // QString::fromWCharArray knows whether wchar_t holds UTF-16 or UTF-32.
 std::u16string fromWide(const wchar_t* text, std::size_t length)
 {
-    return fromQString(QString::fromWCharArray(text, static_cast<int>(length)));
+    return toTsString(QString::fromWCharArray(text, static_cast<int>(length))).utf16();
 }
 
 } // namespace
@@ -32,7 +22,7 @@ std::u16string fromWide(const wchar_t* text, std::size_t length)
 TsString::TsString(const char* utf8)
 {
     if (utf8)
-        m_text = fromQString(QString::fromUtf8(utf8));
+        m_text = toTsString(QString::fromUtf8(utf8)).utf16();
 }
 
 TsString::TsString(const wchar_t* text)
@@ -75,12 +65,12 @@ TsString& TsString::operator=(const char* utf8)
 
 std::wstring TsString::toStdWString() const
 {
-    return toQString(m_text).toStdWString();
+    return toQString(*this).toStdWString();
 }
 
 std::string TsString::toUtf8() const
 {
-    return toQString(m_text).toUtf8().toStdString();
+    return toQString(*this).toUtf8().toStdString();
 }
 
 int TsString::Compare(const TsString& other) const
@@ -116,7 +106,7 @@ std::vector<TsString> TsString::split(const TsString& separator) const
 int TsString::ToInt() const
 {
     bool ok = false;
-    const int value = toQString(m_text).trimmed().toInt(&ok, 10);
+    const int value = toQString(*this).trimmed().toInt(&ok, 10);
     return ok ? value : 0;
 }
 
@@ -132,7 +122,7 @@ TsString TsString::operator+(const char* utf8) const
 
 TsString TsString::operator+(const int& number) const
 {
-    return TsString(m_text + fromQString(QString::number(number)));
+    return *this + toTsString(QString::number(number));
 }
 
 TsString& TsString::operator+=(const TsString& other)

@@ -1,6 +1,6 @@
 #include "tsvariant.h"
 
-#include "tsqstring_p.h"
+#include "tsqtext.h"
 
 #include <QDateTime>
 #include <QLocale>

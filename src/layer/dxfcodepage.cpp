@@ -1,5 +1,7 @@
 #include "vygisutil.h"
 
+#include "tsqtext.h"
+
 #include <QByteArray>
 #include <QFile>
 #include <QFileInfo>
@@ -144,7 +146,7 @@ bool rewriteStream(QFile& source, QSaveFile& target, bool& changed)
 
 void VyUniversalFunction::replaceDxfCodepage(const VyObjects::TsString& path)
 {
-    const QString fileName = QString::fromStdWString(path.toStdWString());
+    const QString fileName = VyObjects::toQString(path);
     if (fileName.isEmpty())
         return;
     QFile source(fileName);

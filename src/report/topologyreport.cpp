@@ -3,6 +3,7 @@
 #include "report/reportsheet.h"
 #include "workbook/conventions.h"
 
+#include "tsqtext.h"
 #include "tstopology.h"
 #include "xlsxdocument.h"
 
@@ -12,6 +13,7 @@
 
 namespace {
 
+using VyObjects::toQString;
 using VyObjects::TsString;
 
 // One error record as the check result hands it out. The values persist from one
@@ -47,11 +49,6 @@ struct ErrorRecord
             && (relatedLayerId != layerId || relatedFeatureId != featureId);
     }
 };
-
-QString toQString(const TsString& text)
-{
-    return QString::fromStdWString(text.toStdWString());
-}
 
 QString idText(int id)
 {

@@ -1,19 +1,17 @@
 #include "workbook/conventions.h"
 
 #include "tsbase.h"
+#include "tsqtext.h"
 #include "vygiscore.h"
 
 #include <QColor>
 #include <QObject>
 
-#include <string>
-
 namespace vygis {
 
 bool fileExists(const QString& path)
 {
-    const std::wstring wide = path.toStdWString();
-    return VyObjects::TsFile::Exists(VyObjects::TsString(wide));
+    return VyObjects::TsFile::Exists(VyObjects::toTsString(path));
 }
 
 QXlsx::Format centredCellFormat()
@@ -45,18 +43,12 @@ void writeTitleRow(QXlsx::Document& document, const QString& title, int width)
     document.write(1, 1, title, centred);
 }
 
-QString hostText(const VyObjects::TsString& text)
-{
-    const std::u16string& units = text.utf16();
-    return QString::fromUtf16(units.data(), static_cast<int>(units.size()));
-}
-
 QString attributeText(const VyObjects::TsVariant& value)
 {
     const auto code = value.GetType();
     if (code == VyObjects::TsVariant::DoubleType || code == VyObjects::TsVariant::SingleType)
         return VyApplication::doubleToQString(value.GetDouble(), 8);
-    return hostText(value.ToString());
+    return VyObjects::toQString(value.ToString());
 }
 
 bool writeRowsAndSave(QXlsx::Document& document, const QString& path,

@@ -10,7 +10,7 @@
 
 #include <functional>
 
-namespace VyObjects { class TsString; class TsVariant; }
+namespace VyObjects { class TsVariant; }
 
 namespace vygis {
 
@@ -25,12 +25,6 @@ QXlsx::Format greyHeaderFormat();
 // Row 1 of an attribute export: columns 1 to width merged (nothing is merged when width
 // is 1 or less), the row 30 points high, and title in column 1 with the centred format.
 void writeTitleRow(QXlsx::Document& document, const QString& title, int width);
-
-// A text of the object library as a Qt text. Both hold UTF-16, so the code units are
-// copied as they are: the text that the route through std::wstring gives, without
-// transcoding twice where wchar_t is 32 bits wide (that detour costs more than writing
-// the cell in a large export).
-QString hostText(const VyObjects::TsString& text);
 
 // The text an attribute value is exported as: floating values at precision 8 through
 // the application's number formatting, everything else as the value's own text.

@@ -1,4 +1,5 @@
 #include "hosttesting.h"
+#include "tsqtext.h"
 
 #include <climits>
 
@@ -67,4 +68,40 @@ TEST(TsStringTest, PlusAppendsTextAndDecimalNumbers)
     EXPECT_EQ(TsString("n") + -5, TsString("n-5"));
     EXPECT_EQ(TsString("") + INT_MIN, TsString("-2147483648"));
     EXPECT_EQ(TsString("a") + TsString(L"\U0001D11E"), TsString(std::wstring(L"a\U0001D11E")));
+}
+
+// Code units that a conversion through wchar_t, UTF-8 or QString::fromUtf16
+// could change: a surrogate pair, an unpaired surrogate, an embedded NUL and
+// a leading U+FEFF, which is text here and no byte order mark.
+TEST(TsQTextTest, CrossesBetweenQtAndTheObjectLibraryUnitForUnit)
+{
+    const struct { const char* name; std::u16string units; } cases[] = {
+        {"empty", u""},
+        {"plain", u"roads"},
+        {"beyond the BMP", u"Stra\u00DFe \U0001D11E \u8DEF"},
+        {"unpaired surrogate", std::u16string(u"a") + char16_t(0xD834) + u"b"},
+        {"embedded NUL", std::u16string(u"a\0b", 3)},
+        {"leading U+FEFF", u"\uFEFFname"},
+    };
+    for (const auto& c : cases) {
+        const QString qt = toQString(TsString(c.units));
+        ASSERT_EQ(qt.size(), static_cast<int>(c.units.size())) << c.name;
+        EXPECT_TRUE(std::equal(c.units.begin(), c.units.end(), qt.utf16())) << c.name;
+        EXPECT_EQ(toTsString(qt).utf16(), c.units) << c.name;
+    }
+}
+
+TEST(TsQTextTest, WideAndUtf8TextsArriveInQtAsTheSameCharacters)
+{
+    const QString expected = QString::fromUcs4(U"Stra\u00DFe \U0001D11E \u8DEF");
+    EXPECT_EQ(toQString(TsString(L"Stra\u00DFe \U0001D11E \u8DEF")), expected);
+    EXPECT_EQ(toQString(TsString("Stra\xC3\x9F" "e \xF0\x9D\x84\x9E \xE8\xB7\xAF")), expected);
+    EXPECT_EQ(toTsString(expected).toStdWString(), std::wstring(L"Stra\u00DFe \U0001D11E \u8DEF"));
+}
+
+TEST(TsStringTest, ALeadingFeffIsKeptInWideAndUtf8Output)
+{
+    const TsString text(u"\uFEFFname");
+    EXPECT_EQ(text.toUtf8(), "\xEF\xBB\xBFname");
+    EXPECT_EQ(text.toStdWString(), std::wstring(L"\uFEFFname"));
 }

@@ -5,7 +5,7 @@
 
 #include "tsattributecondition.h"
 #include "tsgdal.h"
-#include "tsqstring_p.h"
+#include "tsqtext.h"
 
 #include <gdal_priv.h>
 #include <ogrsf_frmts.h>
@@ -22,12 +22,10 @@ namespace VyObjects {
 
 // --- Text -------------------------------------------------------------------
 
-// GDAL speaks UTF-8 (file names included, also on Windows), the object
-// library UTF-16.
-inline QString qText(const char* utf8) { return QString::fromUtf8(utf8 ? utf8 : ""); }
-inline QString qText(const TsString& text) { return toQString(text); }
-inline TsString tsText(const QString& text) { return toTsString(text); }
-inline TsString tsText(const char* utf8) { return TsString(utf8 ? utf8 : ""); }
+// GDAL speaks UTF-8, file names included, also on Windows. A null text from
+// GDAL reads as empty. (Its text reaches the object library through
+// TsString's UTF-8 constructor, which reads null as empty too.)
+inline QString gdalText(const char* utf8) { return QString::fromUtf8(utf8 ? utf8 : ""); }
 
 // --- Errors -----------------------------------------------------------------
 

@@ -50,7 +50,7 @@ QHash<QString, QString> readGeoPackageAliases(GDALDataset& dataset, const QStrin
     if (!rows)
         return aliases;
     while (OGRFeatureUniquePtr row{rows->GetNextFeature()})
-        aliases.insert(qText(row->GetFieldAsString(0)), qText(row->GetFieldAsString(1)));
+        aliases.insert(gdalText(row->GetFieldAsString(0)), gdalText(row->GetFieldAsString(1)));
     dataset.ReleaseResultSet(rows);
     return aliases;
 }
@@ -103,7 +103,7 @@ TsRefPtr<TsFields> fieldsOfLayer(const TsGdalDataSource& source, OGRLayer& layer
     TsGdalErrorTrap trap;
     QHash<QString, QString> aliases;
     if (source.driverName() == QLatin1String("GPKG")) {
-        aliases = readGeoPackageAliases(*source.dataset(), qText(layer.GetName()));
+        aliases = readGeoPackageAliases(*source.dataset(), gdalText(layer.GetName()));
         // Statements of their own may end the ones reading the source's layers.
         source.layerState().interruptAllReading();
     }

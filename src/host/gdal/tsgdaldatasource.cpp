@@ -27,7 +27,7 @@ QString openFailure(const QString& path, TsGdalDataSource::OpenMode mode, const 
                                               nullptr, nullptr);
     if (!driver)
         return path + QStringLiteral(": not a format GDAL reads");
-    const QString format = qText(GDALGetDriverShortName(driver));
+    const QString format = gdalText(GDALGetDriverShortName(driver));
     if (mode == TsGdalDataSource::Update)
         return path + QStringLiteral(": the %1 driver cannot open it for update (a read-only file or format)")
                           .arg(format) + trap.reason();
@@ -79,7 +79,7 @@ OGRwkbGeometryType geometryTypeFor(TsLayer::LayerType type)
 
 bool driverHasFieldType(GDALDriver& driver, const char* type)
 {
-    const QString types = qText(driver.GetMetadataItem(GDAL_DMD_CREATIONFIELDDATATYPES));
+    const QString types = gdalText(driver.GetMetadataItem(GDAL_DMD_CREATIONFIELDDATATYPES));
     return types.split(QLatin1Char(' ')).contains(QLatin1String(type));
 }
 
@@ -204,14 +204,14 @@ QString TsGdalDataSource::path() const
 QString TsGdalDataSource::driverName() const
 {
     GDALDriver* driver = m_dataset->GetDriver();
-    return driver ? qText(driver->GetDescription()) : QString();
+    return driver ? gdalText(driver->GetDescription()) : QString();
 }
 
 QStringList TsGdalDataSource::layerNames() const
 {
     QStringList names;
     for (int i = 0; i < m_dataset->GetLayerCount(); ++i)
-        names.append(qText(m_dataset->GetLayer(i)->GetName()));
+        names.append(gdalText(m_dataset->GetLayer(i)->GetName()));
     return names;
 }
 
@@ -240,7 +240,7 @@ OGRLayer* findLayer(const TsGdalDataSource& source, const QString& name, QString
 
 QString layerPlace(const TsGdalDataSource& source, OGRLayer& layer)
 {
-    return QStringLiteral("%1, layer \"%2\"").arg(source.path(), qText(layer.GetName()));
+    return QStringLiteral("%1, layer \"%2\"").arg(source.path(), gdalText(layer.GetName()));
 }
 
 } // namespace
@@ -279,7 +279,7 @@ TsRefPtr<TsMap> TsGdalDataSource::map() const
     for (int i = 0; i < m_dataset->GetLayerCount(); ++i)
         layers->AddLayer(makeGdalFeatureLayer(self, m_dataset->GetLayer(i)));
     if (m_dataset->GetRasterCount() > 0)
-        layers->AddLayer(TsRefPtr<TsLayer>::create(tsText(QFileInfo(m_path).completeBaseName()),
+        layers->AddLayer(TsRefPtr<TsLayer>::create(toTsString(QFileInfo(m_path).completeBaseName()),
                                                    TsLayer::RasterLayer));
     return layers;
 }
@@ -321,7 +321,7 @@ bool TsGdalDataSource::createLayer(const QString& name, TsLayer::LayerType type,
     }
     QString reason;
     if (driverName() == QLatin1String("GPKG")
-        && !writeGeoPackageAliases(*m_dataset, qText(layer->GetName()), fields, &reason)) {
+        && !writeGeoPackageAliases(*m_dataset, gdalText(layer->GetName()), fields, &reason)) {
         setError(error, m_path + QStringLiteral(": ") + reason);
         return false;
     }

@@ -31,7 +31,7 @@ void CPL_STDCALL TsGdalErrorTrap::collect(CPLErr level, CPLErrorNum /*number*/, 
         return;
     auto* trap = static_cast<TsGdalErrorTrap*>(CPLGetErrorHandlerUserData());
     if (trap)
-        trap->m_lastError = qText(message).trimmed();
+        trap->m_lastError = gdalText(message).trimmed();
 }
 
 bool TsGdalTransaction::start(QString* reason)

@@ -28,7 +28,7 @@ TsRefPtr<TsGdalFeatureLayer> makeGdalFeatureLayer(const TsRefPtr<TsGdalDataSourc
 {
     const TsRefPtr<TsFields> fields = fieldsOfLayer(*source, *layer);
     return TsRefPtr<TsGdalFeatureLayer>(new TsGdalFeatureLayer(
-        tsText(layer->GetName()), layerTypeOf(layer->GetGeomType()),
+        TsString(layer->GetName()), layerTypeOf(layer->GetGeomType()),
         std::make_unique<TsGdalFeatureLayer::Private>(source, layer, fields)));
 }
 
@@ -47,7 +47,7 @@ TsGdalFeatureLayer::Private::~Private()
 
 QString TsGdalFeatureLayer::Private::where() const
 {
-    return QStringLiteral("%1, layer \"%2\"").arg(source->path(), qText(layer->GetName()));
+    return QStringLiteral("%1, layer \"%2\"").arg(source->path(), gdalText(layer->GetName()));
 }
 
 bool TsGdalFeatureLayer::Private::fail(const QString& message)
@@ -248,7 +248,7 @@ bool TsGdalFeatureLayer::Private::changeAttribute(int featureId, const TsString&
         return fail(QStringLiteral("the edit operation was interrupted"));
     const int index = fields->FindFieldIndex(field);
     if (index < 0)
-        return fail(QStringLiteral("no field \"%1\"").arg(qText(field)));
+        return fail(QStringLiteral("no field \"%1\"").arg(toQString(field)));
     OGRFeature* feature = featureToEdit(featureId);
     if (!feature)
         return fail(QStringLiteral("no feature %1").arg(featureId));
@@ -272,7 +272,7 @@ bool TsGdalFeatureLayer::Private::refuse(int featureId, const TsField& field, in
                                          const TsVariant& value)
 {
     ++summary.valuesNotConvertible;
-    const TsGdalEditSummary::RefusedValue refused{featureId, qText(field.GetName()), qText(value.ToString()),
+    const TsGdalEditSummary::RefusedValue refused{featureId, toQString(field.GetName()), toQString(value.ToString()),
                                                   field.GetFieldType(), std::max(width, 0)};
     if (summary.examples.size() < static_cast<std::size_t>(TsGdalEditSummary::MaxExamples))
         summary.examples.push_back(refused);

@@ -47,7 +47,7 @@ bool TsGdalFilter::prepare(const TsQueryFilter& filter, const TsFields& fields,
     m_predicate = filter.GetPredicate();
     m_hasCondition = false;
     m_ogrClause.clear();
-    const QString clause = qText(filter.GetWhereClause());
+    const QString clause = toQString(filter.GetWhereClause());
     if (clause.trimmed().isEmpty())
         return true;
     if (!m_condition.Parse(filter.GetWhereClause())) {
@@ -63,7 +63,7 @@ bool TsGdalFilter::prepare(const TsQueryFilter& filter, const TsFields& fields,
     const TsRefPtr<TsField> field = fields.GetField(m_fieldIndex);
     const OGRFieldDefn* ogrField = definition.GetFieldDefn(m_fieldIndex);
     if (ogrField && canTranslate(field->GetFieldType(), ogrField->GetType(), texts))
-        m_ogrClause = translate(qText(ogrField->GetNameRef()));
+        m_ogrClause = translate(gdalText(ogrField->GetNameRef()));
     // Equal texts ignoring case include the equal ones: OGR narrows the
     // features down and the comparison here decides.
     m_hasCondition = m_ogrClause.isEmpty()
@@ -116,7 +116,7 @@ QByteArray TsGdalFilter::translate(const QString& fieldName) const
         return field + " IS NOT NULL";
     const QByteArray literal = m_condition.IsNumeric()
         ? QByteArray::number(m_condition.Number(), 'g', 17)
-        : quoted(qText(m_condition.Text()), QLatin1Char('\''));
+        : quoted(toQString(m_condition.Text()), QLatin1Char('\''));
     return field + ' ' + sqlOperator(op) + ' ' + literal;
 }
 

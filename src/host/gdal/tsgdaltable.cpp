@@ -24,7 +24,7 @@ public:
     {
     }
 
-    TsString GetTableName() const override { return tsText(m_layer->GetName()); }
+    TsString GetTableName() const override { return TsString(m_layer->GetName()); }
     TsRefPtr<TsFields> GetFields() const override { return m_fields; }
 
     TsRefPtr<TsRowCursor> GetRowCursor(const TsQueryFilter& filter) override

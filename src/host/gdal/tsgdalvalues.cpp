@@ -125,11 +125,11 @@ TsRefPtr<TsFields> readFields(OGRFeatureDefn& definition, const QHash<QString, Q
     auto fields = TsRefPtr<TsFields>::create();
     for (int i = 0; i < definition.GetFieldCount(); ++i) {
         const OGRFieldDefn& field = *definition.GetFieldDefn(i);
-        const QString name = qText(field.GetNameRef());
-        QString alias = qText(field.GetAlternativeNameRef());
+        const QString name = gdalText(field.GetNameRef());
+        QString alias = gdalText(field.GetAlternativeNameRef());
         if (alias.isEmpty())
             alias = aliases.value(name);
-        fields->AddField(TsRefPtr<TsField>::create(tsText(name), fieldTypeOf(field), tsText(alias),
+        fields->AddField(TsRefPtr<TsField>::create(toTsString(name), fieldTypeOf(field), toTsString(alias),
                                                    precisionOf(field)));
     }
     return fields;
@@ -154,7 +154,7 @@ TsVariant readValue(const OGRFeature& feature, int index, TsField::FieldType typ
     case TsField::DateField:
         return readDateTime(feature, index);
     case TsField::StringField:
-        return TsVariant(tsText(source.GetFieldAsString(index)));
+        return TsVariant(TsString(source.GetFieldAsString(index)));
     default:
         return TsVariant();
     }

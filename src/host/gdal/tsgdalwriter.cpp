@@ -20,7 +20,7 @@ public:
 
     bool fail(const QString& message)
     {
-        error = QStringLiteral("%1, layer \"%2\": %3").arg(source->path(), qText(layer->GetName()), message);
+        error = QStringLiteral("%1, layer \"%2\": %3").arg(source->path(), gdalText(layer->GetName()), message);
         return false;
     }
 
@@ -68,7 +68,7 @@ public:
         std::unique_ptr<OGRGeometry> made = makeGeometry(*geometry, layer->GetGeomType());
         if (!made)
             return fail(QStringLiteral("the shape does not fit a layer of %1 geometries")
-                            .arg(qText(OGRGeometryTypeToName(layer->GetGeomType()))));
+                            .arg(gdalText(OGRGeometryTypeToName(layer->GetGeomType()))));
         feature->SetGeometryDirectly(made.release());
         return true;
     }
@@ -96,7 +96,7 @@ public:
 TsRefPtr<TsGdalFeatureWriter> makeGdalFeatureWriter(const TsRefPtr<TsGdalDataSource>& source,
                                                     OGRLayer* layer, QString* error)
 {
-    const QString place = QStringLiteral("%1, layer \"%2\": ").arg(source->path(), qText(layer->GetName()));
+    const QString place = QStringLiteral("%1, layer \"%2\": ").arg(source->path(), gdalText(layer->GetName()));
     if (source->openMode() == TsGdalDataSource::ReadOnly) {
         setError(error, place + QStringLiteral("the data source is opened read-only"));
         return nullptr;
