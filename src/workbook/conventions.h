@@ -30,9 +30,10 @@ void writeTitleRow(QXlsx::Document& document, const QString& title, int width);
 // the application's number formatting, everything else as the value's own text.
 QString attributeText(const VyObjects::TsVariant& value);
 
-// Runs the data rows of an export under the application's modal progress dialog
-// ("Exporting..."), then saves the document to path while the dialog still shows, and
-// returns the result of the save.
+// Runs the data rows of an export under a VyWaitDialog ("Exporting...", shown only when
+// the rows take longer than its show delay). When the rows are written the wait ends and
+// its dialog is hidden; only then is the document saved to path, on the calling thread
+// with nothing shown, and the result of the save is returned.
 bool writeRowsAndSave(QXlsx::Document& document, const QString& path,
                       const std::function<void()>& writeRows);
 
