@@ -1,6 +1,5 @@
 #include "vygisutil.h"
 #include "export/attributeexports.h"
-#include "export/sheetlimits.h"
 #include "export/valuesbyname.h"
 #include "workbook/conventions.h"
 
@@ -117,7 +116,7 @@ bool vygis::exportPointLayer(const QString& path, TsFeatureLayer* layer,
         }
     }
     const int width = static_cast<int>(columns.size());
-    if (width == 0 || width > vygis::kSheetColumnCount)
+    if (width == 0 || width > QXlsx::MaxColumns)
         return false;
 
     bool wantZ = false;
@@ -137,7 +136,7 @@ bool vygis::exportPointLayer(const QString& path, TsFeatureLayer* layer,
         int row = 2;
         for (TsRefPtr<TsFeature> feature = cursor->NextFeature(); feature;
              feature = cursor->NextFeature(), ++row) {
-            if (row > vygis::kSheetRowCount)
+            if (row > QXlsx::MaxRows)
                 return false;
             coordinates.read(*feature, wantZ);
             values.startRow(*feature);

@@ -1,6 +1,5 @@
 #include "vygisutil.h"
 #include "export/attributeexports.h"
-#include "export/sheetlimits.h"
 #include "export/valuesbyname.h"
 #include "workbook/conventions.h"
 
@@ -72,7 +71,7 @@ bool vygis::exportFeatureLayer(const QString& path, TsFeatureLayer* layer, bool 
         exported = exportedFields(*fields, withAlias, excludedColumns);
     }
     const int width = exported.headers.size();
-    if (width == 0 || width > vygis::kSheetColumnCount)
+    if (width == 0 || width > QXlsx::MaxColumns)
         return false;
 
     const QString title = toQString(layer->GetLayerName()) + QLatin1Char('_')
@@ -92,7 +91,7 @@ bool vygis::exportFeatureLayer(const QString& path, TsFeatureLayer* layer, bool 
         int row = 3;
         for (TsRefPtr<TsFeature> feature = cursor->NextFeature(); feature;
              feature = cursor->NextFeature(), ++row) {
-            if (row > vygis::kSheetRowCount)
+            if (row > QXlsx::MaxRows)
                 return false;
             values.startRow(*feature);
             for (int k = 0; k < width; ++k) {

@@ -1,5 +1,4 @@
 #include "vygisutil.h"
-#include "export/sheetlimits.h"
 #include "workbook/conventions.h"
 
 #include "xlsxdocument.h"
@@ -37,10 +36,10 @@ bool VyExcelUtil::export2Excel(const QString& title, const QString& path,
         return false;
     // The row count is known up front, so a model that cannot fit is refused before any
     // work rather than cut short.
-    if (rowCount > vygis::kSheetRowCount - 2)
+    if (rowCount > QXlsx::MaxRows - 2)
         return false;
     const std::vector<int> columns = exportedColumns(columnCount, excludedColumns);
-    if (columns.size() > static_cast<std::size_t>(vygis::kSheetColumnCount))
+    if (columns.size() > static_cast<std::size_t>(QXlsx::MaxColumns))
         return false;
 
     // The merge width counts the excluded entries, not the columns written: a stray index

@@ -1,6 +1,5 @@
 #include "vygisutil.h"
 #include "export/attributeexports.h"
-#include "export/sheetlimits.h"
 #include "workbook/conventions.h"
 
 #include "tsqtext.h"
@@ -57,7 +56,7 @@ bool vygis::exportTable(const QString& path, TsRefPtr<TsTable> tableReference,
         names = fieldNamesOf(*fields);
     }
     const int fieldCount = names.size();
-    if (fieldCount > vygis::kSheetColumnCount)
+    if (fieldCount > QXlsx::MaxColumns)
         return false;
 
     QXlsx::Document document;
@@ -73,7 +72,7 @@ bool vygis::exportTable(const QString& path, TsRefPtr<TsTable> tableReference,
         for (TsRefPtr<TsRow> record = cursor->NextRow(); record;
              record = cursor->NextRow(), ++row) {
             // Rows of a table without fields write nothing, so they never overflow.
-            if (row > vygis::kSheetRowCount && fieldCount > 0)
+            if (row > QXlsx::MaxRows && fieldCount > 0)
                 return false;
             for (int i = 0; i < fieldCount; ++i) {
                 TsVariant value;

@@ -199,7 +199,7 @@ bool VyExcelUtil::saveQueryElevationOutputFile(const QString& path, QStringList 
     // function returns, on every path.
     const TsRefPtr<TsRasterProps> dem = std::move(raster);
     const int pairCount = (points.size() + 1) / 2;
-    if (!dem || pairCount > vygis::LastSheetRow - 1)
+    if (!dem || pairCount > QXlsx::MaxRows - 1)
         return false;
 
     QXlsx::Document document;

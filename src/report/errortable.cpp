@@ -15,7 +15,7 @@ bool isWritableErrorList(const QStringList& errors)
 {
     const int size = errors.size();
     return size > 0 && size % FieldsPerError == 0
-        && size / FieldsPerError <= vygis::LastSheetRow - 1;
+        && size / FieldsPerError <= QXlsx::MaxRows - 1;
 }
 
 } // namespace

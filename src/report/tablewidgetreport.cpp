@@ -49,7 +49,7 @@ bool VyExcelUtil::exportExcelByTableWidget(const QString& path, QTableWidget* ta
                                  format);
 
     int outputRow = 2;
-    for (int row = 0; row < table->rowCount() && outputRow <= vygis::LastSheetRow; ++row) {
+    for (int row = 0; row < table->rowCount() && outputRow <= QXlsx::MaxRows; ++row) {
         if (!isTicked(*table, row))
             continue;
         for (int column = 0; column < ReportedColumns; ++column)

@@ -99,7 +99,7 @@ bool VyExcelUtil::exportExcelByTsTopology(const QString& path, VyObjects::TsTopo
     const bool attributeCheck = topology->GetIsAttributeCheck();
     // A count the sheet cannot hold is cut at its last row; asking for records that
     // could never be written would only spin.
-    const int errorCount = std::min(topology->GetTopoErrorCount(), vygis::LastSheetRow - 1);
+    const int errorCount = std::min(topology->GetTopoErrorCount(), QXlsx::MaxRows - 1);
 
     ErrorRecord error;
     for (int index = 0; index < errorCount; ++index) {

@@ -5,6 +5,7 @@
 #include "pointfile.h"
 #include "tsgdal.h"
 #include "vygisutil.h"
+#include "xlsxglobal.h"
 
 #include <QFile>
 
@@ -16,8 +17,8 @@ const QString commandName = QStringLiteral("elevation");
 const QString bandOption = QStringLiteral("--band");
 const QString overwriteOption = QStringLiteral("--overwrite");
 
-// A sheet has 1,048,576 rows; the report's header takes the first.
-constexpr int MostPairs = 1048575;
+// The report's header takes the sheet's first row.
+constexpr int MostPairs = QXlsx::MaxRows - 1;
 // Skipped lines are named up to this many; the count says how many there were.
 constexpr int NamedSkippedLines = 5;
 

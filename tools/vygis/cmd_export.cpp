@@ -5,6 +5,7 @@
 #include "layersource.h"
 #include "tsqtext.h"
 #include "vygisutil.h"
+#include "xlsxglobal.h"
 
 #include <functional>
 
@@ -25,7 +26,7 @@ vygis::CellValues cellValuesOf(const Arguments& parsed)
 int rowCountLimit()
 {
     // Below the title row and the header row.
-    return 1048576 - 2;
+    return QXlsx::MaxRows - 2;
 }
 
 // The library answers every failure of an export with false; the save's own reason is

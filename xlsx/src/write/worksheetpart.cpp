@@ -6,6 +6,7 @@
 #include "rawxml.h"
 #include "stylelimit.h"
 #include "textlimit.h"
+#include "xlsxglobal.h"
 #include "xmlsink.h"
 
 #include <algorithm>
@@ -17,8 +18,6 @@
 namespace QXlsx::detail {
 
 namespace {
-
-constexpr int MaxColumns = 16384;
 
 constexpr std::initializer_list<const char*> WorksheetOrder = {
     "sheetPr", "dimension", "sheetViews", "sheetFormatPr", "cols", "sheetData", "sheetCalcPr",
@@ -121,7 +120,7 @@ void SheetWriter::writeDimension()
 {
     const CellRange used = m_sheet.dimension();
     m_out.literal("<dimension ref=\"");
-    if (used.isValid() && used.lastRow() <= 1048576 && used.lastColumn() <= MaxColumns)
+    if (used.isValid() && used.lastRow() <= MaxRows && used.lastColumn() <= MaxColumns)
         writeRange(used);
     else
         m_out.literal("A1");
@@ -194,7 +193,7 @@ void SheetWriter::writeSheetData()
     m_out.literal("<sheetData>");
     char digits[16];
     for (const RowRecord& row : m_sheet.rows) {
-        if (row.row < 1 || row.row > 1048576)
+        if (row.row < 1 || row.row > MaxRows)
             continue;
         const size_t digitCount = size_t(writeUInt(digits, quint64(row.row)) - digits);
         writeRowStart(row, digits, digitCount);
