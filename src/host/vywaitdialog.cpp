@@ -11,6 +11,7 @@
 #include <QVBoxLayout>
 #include <QWidget>
 
+#include <atomic>
 #include <cstdio>
 #include <exception>
 
@@ -30,6 +31,8 @@ bool errorStreamIsTerminal()
     return isatty(STDERR_FILENO) != 0;
 #endif
 }
+
+std::atomic<bool> shownOnTerminal{true};
 
 const QApplication* widgetApplication()
 {
@@ -182,10 +185,20 @@ void VyWaitDialog::WaitFor(const std::function<void()>& work)
     const QApplication* application = widgetApplication();
     if (application && QThread::currentThread() == application->thread())
         d->waitWithDialog(work);
-    else if (!application && errorStreamIsTerminal())
+    else if (!application && shownOnTerminal && errorStreamIsTerminal())
         d->waitOnTerminal(work);
     else
         work();
+}
+
+void VyWaitDialog::setShownOnTerminal(bool shown)
+{
+    shownOnTerminal = shown;
+}
+
+bool VyWaitDialog::isShownOnTerminal()
+{
+    return shownOnTerminal;
 }
 
 QString VyWaitDialog::text() const

@@ -23,14 +23,20 @@ class QWidget;
 //   it, so the user cannot start anything while the work runs; timers and
 //   other events keep being served;
 // - in a widget application, called on another thread: the work simply runs;
-// - without a widget application, with the error stream on a terminal: the
-//   work runs on a worker thread and, once the show delay has passed, the
-//   text and a spinner are shown on that terminal;
+// - without a widget application, with the error stream on a terminal (and
+//   isShownOnTerminal): the work runs on a worker thread and, once the show
+//   delay has passed, the text and a spinner are shown on that terminal;
 // - otherwise the work simply runs on the calling thread.
 class VYGIS_HOST_EXPORT VyWaitDialog
 {
 public:
     static const int DefaultShowDelay = 500;   // milliseconds
+
+    // Whether waits without a widget application show their text and spinner on a
+    // terminal (the default). A program that shows its own progress there, with
+    // counts, turns this off for the whole process; the work then simply runs.
+    static void setShownOnTerminal(bool shown);
+    static bool isShownOnTerminal();
 
     explicit VyWaitDialog(const QString& text, QWidget* parent = nullptr);
     ~VyWaitDialog();   // closes the dialog if it is still shown

@@ -33,6 +33,18 @@ TEST_F(ToolUsage, EveryCommandHasHelp)
     }
 }
 
+TEST_F(ToolUsage, EveryCommandTellsTheVersion)
+{
+    const ToolRun overall = vygis({QStringLiteral("--version")});
+    EXPECT_EQ(overall.status, 0);
+    EXPECT_TRUE(overall.out.startsWith(QStringLiteral("vygis "))) << overall.out.toStdString();
+    for (const QString& command : allCommands) {
+        const ToolRun run = vygis({command, QStringLiteral("--version")});
+        EXPECT_EQ(run.status, 0) << command.toStdString();
+        EXPECT_EQ(run.out, overall.out) << command.toStdString();
+    }
+}
+
 TEST_F(ToolUsage, WrongUsageExitsWithTwoAndSaysWhy)
 {
     const ToolRun unknownCommand = vygis({QStringLiteral("frobnicate")});

@@ -59,7 +59,7 @@ private:
 // Reports a file left untouched although nothing went wrong.
 int leftAlone(const QString& path, const QString& why)
 {
-    printError(QStringLiteral("vygis %1: %2: %3; it is left as it is").arg(name(), path, why));
+    printNote(QStringLiteral("vygis %1: %2: %3; it is left as it is").arg(name(), path, why));
     return ExitSuccess;
 }
 

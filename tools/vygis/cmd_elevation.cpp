@@ -3,6 +3,8 @@
 #include "elevationnodata.h"
 #include "filesafety.h"
 #include "pointfile.h"
+#include "readprogress.h"
+#include "terminalprogress.h"
 #include "tsgdal.h"
 #include "vygisutil.h"
 #include "xlsxglobal.h"
@@ -26,7 +28,7 @@ constexpr int NamedSkippedLines = 5;
 void tellWhatWasPassedOver(const QString& path, const PointFileNotes& notes)
 {
     if (notes.columnHeaderLine > 0)
-        printError(QStringLiteral("vygis %1: %2: line %3 (%4) taken for a column header")
+        printNote(QStringLiteral("vygis %1: %2: line %3 (%4) taken for a column header")
                        .arg(commandName, path, QString::number(notes.columnHeaderLine),
                             notes.columnHeader));
     const int count = notes.skippedLines.size();
@@ -38,7 +40,7 @@ void tellWhatWasPassedOver(const QString& path, const PointFileNotes& notes)
     if (count > NamedSkippedLines)
         named.append(QStringLiteral("..."));
     const QString lines = count == 1 ? QStringLiteral("line") : QStringLiteral("lines");
-    printError(QStringLiteral("vygis %1: %2: %3 %4 skipped, neither a point nor a heading: %4 %5")
+    printNote(QStringLiteral("vygis %1: %2: %3 %4 skipped, neither a point nor a heading: %4 %5")
                    .arg(commandName, path, QString::number(count), lines, named.join(QStringLiteral(", "))));
 }
 
@@ -80,8 +82,14 @@ int runElevation(const QStringList& arguments)
     if (!raster)
         return failure(commandName, error);
 
-    const auto recorder = TsRefPtr<ReadRecordingRaster>::create(std::move(raster));
-    if (!VyExcelUtil::saveQueryElevationOutputFile(output, points, recorder))
+    TerminalProgress progress(QStringLiteral("vygis elevation: "));
+    // A point outside the raster is passed over without a read, so the count may end
+    // short of the total.
+    const auto recorder = TsRefPtr<ReadRecordingRaster>::create(
+        TsRefPtr<ProgressRaster>::create(std::move(raster), (points.size() + 1) / 2, progress));
+    const bool saved = VyExcelUtil::saveQueryElevationOutputFile(output, points, recorder);
+    progress.finish();
+    if (!saved)
         return failure(commandName, QStringLiteral("%1: not saved: %2").arg(output, saveFailureReason(output)));
     if (recorder->anyReadWithoutValue() && !markCellsWithoutValue(output, recorder->reads(), &error)) {
         // Its no-data cells would read as heights.

@@ -3,6 +3,8 @@
 #include "export/attributeexports.h"
 #include "filesafety.h"
 #include "layersource.h"
+#include "readprogress.h"
+#include "terminalprogress.h"
 #include "tsqtext.h"
 #include "vygisutil.h"
 #include "xlsxglobal.h"
@@ -61,29 +63,26 @@ long long rowCount(VyObjects::TsTable& table)
     return rows;
 }
 
-// --exclude takes 0-based positions or names (ignoring case) of the exported columns,
-// separated by commas; false, with the offending entry in bad, for a position or a name
-// that is not among them: a column the user meant to leave out must not be exported.
-bool excludedColumns(const QStringList& values, const QStringList& names, QSet<int>& excluded,
+// --exclude takes 0-based positions or names (ignoring case) of the exported columns;
+// false, with the offending entry in bad, for a position or a name that is not among
+// them: a column the user meant to leave out must not be exported.
+bool excludedColumns(const QStringList& entries, const QStringList& names, QSet<int>& excluded,
                      QString& bad)
 {
-    for (const QString& value : values) {
-        for (const QString& rawEntry : value.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
-            const QString entry = rawEntry.trimmed();
-            bool isNumber = false;
-            int index = entry.toInt(&isNumber);
-            if (!isNumber) {
-                index = -1;
-                for (int i = 0; i < names.size() && index < 0; ++i)
-                    if (names[i].compare(entry, Qt::CaseInsensitive) == 0)
-                        index = i;
-            }
-            if (index < 0 || index >= names.size()) {
-                bad = entry;
-                return false;
-            }
-            excluded.insert(index);
+    for (const QString& entry : entries) {
+        bool isNumber = false;
+        int index = entry.toInt(&isNumber);
+        if (!isNumber) {
+            index = -1;
+            for (int i = 0; i < names.size() && index < 0; ++i)
+                if (names[i].compare(entry, Qt::CaseInsensitive) == 0)
+                    index = i;
         }
+        if (index < 0 || index >= names.size()) {
+            bad = entry;
+            return false;
+        }
+        excluded.insert(index);
     }
     return true;
 }
@@ -104,8 +103,8 @@ int runExport(const QStringList& arguments)
     Arguments parsed;
     if (!parsed.parse(name, arguments,
                       {{QStringLiteral("--alias"), overwriteOption, textOption},
-                       {QStringLiteral("--exclude"), QStringLiteral("--where")},
-                       {columnsOption}, 2, 2}))
+                       {QStringLiteral("--where")},
+                       {columnsOption, QStringLiteral("--exclude")}, 2, 2}))
         return ExitUsage;
     const QString output = parsed.positional(1);
     const QString refusal = outputRefusal(output, {LayerAddress::parse(parsed.positional(0)).path},
@@ -129,13 +128,20 @@ int runExport(const QStringList& arguments)
                                     .arg(bad).arg(columns.size() - 1).arg(columns.join(QStringLiteral(", "))));
 
     const bool withAlias = parsed.isSet(QStringLiteral("--alias"));
+    TerminalProgress progress(QStringLiteral("vygis export: "));
+    progress.step(QStringLiteral("counting the features of %1").arg(parsed.positional(0)));
+    // Only a count that is shown is worth a pass over the layer.
+    const long long total = progress.isShown() ? featureCount(*layer) : -1;
+    const auto counted = TsRefPtr<ProgressFeatureLayer>::create(
+        layer, total, QStringLiteral("saving %1").arg(output), progress);
     bool saved = false;
     if (parsed.isSet(columnsOption)) {
         std::vector<QString> names(columns.cbegin(), columns.cend());
-        saved = vygis::exportPointLayer(output, layer.get(), names, withAlias, excluded, cellValuesOf(parsed));
+        saved = vygis::exportPointLayer(output, counted.get(), names, withAlias, excluded, cellValuesOf(parsed));
     } else {
-        saved = vygis::exportFeatureLayer(output, layer.get(), withAlias, excluded, cellValuesOf(parsed));
+        saved = vygis::exportFeatureLayer(output, counted.get(), withAlias, excluded, cellValuesOf(parsed));
     }
+    progress.finish();
     if (!saved)
         return failure(name, exportFailure(output, columns.size() - excluded.size(),
                                            [&] { return featureCount(*layer); }));
@@ -157,7 +163,12 @@ int runExportTable(const QStringList& arguments)
     const TsRefPtr<TsTable> table = openTable(parsed.positional(0), &error);
     if (!table)
         return failure(name, error);
-    if (!vygis::exportTable(output, table, cellValuesOf(parsed))) {
+    TerminalProgress progress(QStringLiteral("vygis export-table: "));
+    const bool saved = vygis::exportTable(
+        output, TsRefPtr<ProgressTable>::create(table, QStringLiteral("saving %1").arg(output), progress),
+        cellValuesOf(parsed));
+    progress.finish();
+    if (!saved) {
         const TsRefPtr<TsFields> fields = table->GetFields();
         return failure(name, exportFailure(output, fields ? fields->GetFieldCount() : 0,
                                            [&] { return rowCount(*table); }));
@@ -173,10 +184,10 @@ Command exportCommand()
     command.name = QStringLiteral("export");
     command.summary = QStringLiteral("export a layer's attributes to a workbook");
     command.usage = QStringLiteral(
-        "Usage: vygis export LAYER WORKBOOK [--alias] [--exclude COLUMNS] [--where CLAUSE]\n"
-        "                    [--text]\n"
-        "       vygis export LAYER WORKBOOK --columns NAME... [--alias] [--exclude COLUMNS]\n"
-        "                    [--text]\n\n"
+        "Usage: vygis export LAYER WORKBOOK [--alias] [--exclude COLUMN,...]\n"
+        "                    [--where CLAUSE] [--text]\n"
+        "       vygis export LAYER WORKBOOK --columns NAME,... [--alias]\n"
+        "                    [--exclude COLUMN,...] [--text]\n\n"
         "Writes the features of LAYER (PATH or PATH:LAYER) to a new WORKBOOK: a title row\n"
         "\"<layer>_attribute table\", a header row of field names, then one row per feature.\n"
         "Values are typed cells, ready to compute with: numbers keep their exact value (a\n"
@@ -186,17 +197,20 @@ Command exportCommand()
         "A workbook already at WORKBOOK is replaced once the new one is complete; any other\n"
         "file (a GeoPackage, a CSV, an .xls or encrypted workbook, ...) is left alone unless\n"
         "--overwrite is given, and WORKBOOK may never be LAYER's own file.\n\n"
-        "  --alias            head each column NAME(alias)\n"
-        "  --exclude COLUMNS  leave out columns, by 0-based position or by name, separated\n"
-        "                     by commas (with --columns: positions in that list); a\n"
-        "                     position or name that is not a column is refused\n"
-        "  --where CLAUSE     export only the features the clause admits, one comparison\n"
-        "                     such as \"POP > 10\" or \"NAME = 'Paris'\"\n"
-        "  --columns NAME...  a plain sheet of a point layer, one column per NAME: X, Y and\n"
-        "                     Z give the point's coordinates, other names a field's values\n"
-        "  --overwrite        replace WORKBOOK even when it is not a workbook\n"
-        "  --text             write every value as a text cell instead, a number as the\n"
-        "                     shortest text that reads back as the same number\n\n"
+        "  --alias               head each column NAME(alias)\n"
+        "  --exclude COLUMN,...  leave out columns, by 0-based position or by name (with\n"
+        "                        --columns: positions in that list); a position or name\n"
+        "                        that is not a column is refused\n"
+        "  --where CLAUSE        export only the features the clause admits, one\n"
+        "                        comparison such as \"POP > 10\" or \"NAME = 'Paris'\"\n"
+        "  --columns NAME,...    a plain sheet of a point layer, one column per NAME: X,\n"
+        "                        Y and Z give the point's coordinates, other names a\n"
+        "                        field's values\n"
+        "  --overwrite           replace WORKBOOK even when it is not a workbook\n"
+        "  --text                write every value as a text cell instead, a number as\n"
+        "                        the shortest text that reads back as the same number\n\n"
+        "Lists are separated by commas; an option given again adds to its list. The old\n"
+        "form --columns X Y Z, after LAYER and WORKBOOK, is still read.\n\n"
         "Long exports show their progress on a terminal. Exit status 1 when the layer\n"
         "cannot be opened or the workbook is refused or not saved; the message says why.");
     command.run = runExport;

@@ -104,11 +104,14 @@ int checkBeforeJoining(const JoinRequest& request, JoinWorkbook& workbook, Termi
     return mapStatus != ExitSuccess ? mapStatus : checkColumns(request, workbook, *layer);
 }
 
-void printCounts(const JoinRequest& request, const JoinCounts& counts)
+// The counts are a note after a join that landed, and part of the failure (naming the
+// values that could not be converted) after one that was undone.
+void printCounts(const JoinRequest& request, const JoinCounts& counts, bool undone)
 {
-    printError(QStringLiteral("vygis join: %1 from %2:").arg(request.layer, request.workbook));
+    const auto print = undone ? printError : printNote;
+    print(QStringLiteral("vygis join: %1 from %2:").arg(request.layer, request.workbook));
     for (const QString& line : counts.lines())
-        printError(QStringLiteral("  ") + line);
+        print(QStringLiteral("  ") + line);
 }
 
 int reportInterruption(const JoinRequest& request, const TsGdalEditSummary& summary)
@@ -163,8 +166,9 @@ int join(const JoinRequest& request, const JoinWorkbook& workbook, TerminalProgr
         return failure(commandName, layer->errorString().isEmpty()
                                         ? QStringLiteral("%1: nothing was joined").arg(request.layer)
                                         : layer->errorString());
-    printCounts(request, JoinCounts::of(workbook, watched->featuresByKey(), summary));
-    return summary.outcome == TsGdalEditSummary::Committed ? ExitSuccess : reportUndone(request, *layer);
+    const bool committed = summary.outcome == TsGdalEditSummary::Committed;
+    printCounts(request, JoinCounts::of(workbook, watched->featuresByKey(), summary), !committed);
+    return committed ? ExitSuccess : reportUndone(request, *layer);
 }
 
 int runJoin(const QStringList& arguments)

@@ -16,7 +16,7 @@ int runCreate(const QStringList& arguments)
     const QString path = parsed.positional(0);
     const FileKind existing = inspectFile(path);
     if (existing.isWorkbook()) {
-        printError(QStringLiteral("vygis create: %1 is a workbook already and was left as it was").arg(path));
+        printNote(QStringLiteral("vygis create: %1 is a workbook already and was left as it was").arg(path));
         return ExitSuccess;
     }
     if (existing.exists())

@@ -40,3 +40,25 @@ void printLine(const QString& text)
 {
     standardOutput() << text << '\n';
 }
+
+namespace {
+
+bool quietRun = false;
+
+} // namespace
+
+void setQuiet(bool quiet)
+{
+    quietRun = quiet;
+}
+
+bool isQuiet()
+{
+    return quietRun;
+}
+
+void printNote(const QString& text)
+{
+    if (!quietRun)
+        printError(text);
+}

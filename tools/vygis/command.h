@@ -29,6 +29,14 @@ void printError(const QString& text);
 // Writes a line to standard output.
 void printLine(const QString& text);
 
+// --quiet, given anywhere before "--": no progress and no notes, only the output a
+// command exists for and its errors.
+void setQuiet(bool quiet);
+bool isQuiet();
+// Writes a line to standard error that tells something worth knowing but is no
+// failure, such as lines passed over or a file left as it was; nothing when quiet.
+void printNote(const QString& text);
+
 // The subcommands, one file each.
 Command dumpCommand();
 Command createCommand();

@@ -1,5 +1,6 @@
 #include "command.h"
 #include "filesafety.h"
+#include "vywaitdialog.h"
 
 #include <QApplication>
 #include <QCoreApplication>
@@ -10,18 +11,23 @@
 
 namespace {
 
-void printOverview()
+QString overview()
 {
-    printLine(QStringLiteral("Usage: vygis <command> [arguments]\n\nCommands:"));
+    QStringList lines{QStringLiteral("Usage: vygis [--quiet] <command> [arguments]\n\nCommands:")};
     for (const Command& command : commands())
-        printLine(QStringLiteral("  %1  %2").arg(command.name, -14).arg(command.summary));
-    printLine(QStringLiteral(
+        lines.append(QStringLiteral("  %1  %2").arg(command.name, -14).arg(command.summary));
+    lines.append(QStringLiteral(
         "\nLayers and tables are named PATH (the data source's first layer) or PATH:LAYER,\n"
-        "for example countries.gpkg:countries, in any vector format GDAL reads (GeoPackage,\n"
-        "shapefile, GeoJSON, TopoJSON, CSV, ...). Exit status: 0 on success, 1 when the\n"
-        "operation fails, 2 on wrong usage; messages go to standard error.\n\n"
-        "Run 'vygis <command> --help' for a command's arguments, 'vygis --version' for the\n"
-        "version."));
+        "for example countries.gpkg:countries, in any vector format GDAL reads\n"
+        "(GeoPackage, shapefile, GeoJSON, TopoJSON, CSV, ...). Options that take a list\n"
+        "take it separated by commas (--columns X,Y,NAME). Exit status: 0 on success, 1\n"
+        "when the operation fails, 2 on wrong usage; messages go to standard error.\n\n"
+        "Every command takes --quiet (-q): no progress and no notes, only the output and\n"
+        "the errors. Long jobs show their progress only when standard error is a\n"
+        "terminal.\n\n"
+        "Run 'vygis <command> --help' for a command's arguments, 'vygis --version' (or\n"
+        "'vygis <command> --version') for the version."));
+    return lines.join(QLatin1Char('\n'));
 }
 
 const Command* findCommand(const QString& name)
@@ -41,9 +47,53 @@ void failWritesInsteadOfStopping()
 #endif
 }
 
+// The arguments that may be options: those before "--".
+QStringList optionPart(const QStringList& arguments)
+{
+    return arguments.mid(0, arguments.indexOf(QStringLiteral("--")));
+}
+
 bool wantsHelp(const QStringList& arguments)
 {
-    return arguments.contains(QStringLiteral("--help")) || arguments.contains(QStringLiteral("-h"));
+    const QStringList options = optionPart(arguments);
+    return options.contains(QStringLiteral("--help")) || options.contains(QStringLiteral("-h"));
+}
+
+bool wantsVersion(const QStringList& arguments)
+{
+    return optionPart(arguments).contains(QStringLiteral("--version"));
+}
+
+// Takes --quiet and -q out of the arguments, wherever they stand before "--", so that
+// every command accepts them without knowing of them.
+bool takeQuiet(QStringList& arguments)
+{
+    const int end = optionPart(arguments).size();
+    bool quiet = false;
+    for (int i = end - 1; i >= 0; --i) {
+        if (arguments[i] == QStringLiteral("--quiet") || arguments[i] == QStringLiteral("-q")) {
+            arguments.removeAt(i);
+            quiet = true;
+        }
+    }
+    return quiet;
+}
+
+QtMessageHandler handlerBeforeQuiet = nullptr;
+
+// The engine logs what a save changed to stay within Excel's limits as a note; a quiet
+// run drops it and passes on everything else.
+void dropNotesWhenQuiet(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    if (isQuiet() && context.category && qstrcmp(context.category, "vygis.xlsx.limits") == 0)
+        return;
+    if (handlerBeforeQuiet)
+        handlerBeforeQuiet(type, context, message);
+}
+
+void printVersion()
+{
+    printLine(QStringLiteral("vygis ") + QLatin1String(VYGIS_VERSION));
 }
 
 } // namespace
@@ -60,14 +110,21 @@ int main(int argc, char** argv)
 
     failWritesInsteadOfStopping();
     keepSaveErrorsForMessages();
+    handlerBeforeQuiet = qInstallMessageHandler(dropNotesWhenQuiet);
+    // The commands show their own progress, with counts where they know the total.
+    VyWaitDialog::setShownOnTerminal(false);
     QStringList arguments = QCoreApplication::arguments().mid(1);
-    if (arguments.isEmpty() || arguments.first() == QStringLiteral("--help")
-        || arguments.first() == QStringLiteral("-h")) {
-        printOverview();
-        return arguments.isEmpty() ? ExitUsage : ExitSuccess;
+    setQuiet(takeQuiet(arguments));
+    if (arguments.isEmpty()) {
+        printError(overview());
+        return ExitUsage;
+    }
+    if (arguments.first() == QStringLiteral("--help") || arguments.first() == QStringLiteral("-h")) {
+        printLine(overview());
+        return ExitSuccess;
     }
     if (arguments.first() == QStringLiteral("--version")) {
-        printLine(QStringLiteral("vygis ") + QLatin1String(VYGIS_VERSION));
+        printVersion();
         return ExitSuccess;
     }
     const QString commandName = arguments.takeFirst();
@@ -79,6 +136,10 @@ int main(int argc, char** argv)
     }
     if (wantsHelp(arguments)) {
         printLine(command->usage);
+        return ExitSuccess;
+    }
+    if (wantsVersion(arguments)) {
+        printVersion();
         return ExitSuccess;
     }
     const int status = command->run(arguments);

@@ -1,5 +1,7 @@
 #include "terminalprogress.h"
 
+#include "command.h"
+
 #include <cstdio>
 
 #ifdef Q_OS_WIN
@@ -12,19 +14,24 @@ namespace {
 
 const qint64 ShownEvery = 200;   // milliseconds
 
-bool errorStreamIsTerminal()
+bool isTerminal(std::FILE* stream)
 {
 #ifdef Q_OS_WIN
-    return _isatty(_fileno(stderr)) != 0;
+    return _isatty(_fileno(stream)) != 0;
 #else
-    return isatty(STDERR_FILENO) != 0;
+    return isatty(fileno(stream)) != 0;
 #endif
 }
 
 } // namespace
 
+bool outputIsTerminal()
+{
+    return isTerminal(stdout);
+}
+
 TerminalProgress::TerminalProgress(const QString& prefix)
-    : m_prefix(prefix), m_terminal(errorStreamIsTerminal())
+    : m_prefix(prefix), m_terminal(!isQuiet() && isTerminal(stderr))
 {
 }
 
@@ -35,15 +42,23 @@ TerminalProgress::~TerminalProgress()
 
 void TerminalProgress::step(const QString& text)
 {
-    if (m_terminal)
-        show(text);
+    if (!m_terminal)
+        return;
+    show(text);
+    m_counting = false;
 }
 
 void TerminalProgress::count(long long done, long long total, const QString& what)
 {
-    if (!m_terminal || (m_sinceShown.isValid() && m_sinceShown.elapsed() < ShownEvery))
+    // The first count replaces a step at once; later ones at most every ShownEvery.
+    if (!m_terminal || (m_counting && m_sinceShown.elapsed() < ShownEvery))
         return;
-    const long long percent = total > 0 ? done * 100 / total : 100;
+    m_counting = true;
+    if (total < 0) {
+        show(QStringLiteral("%1 %2").arg(done).arg(what));
+        return;
+    }
+    const long long percent = total > 0 ? qMin(done, total) * 100 / total : 100;
     show(QStringLiteral("%1 of %2 %3 (%4%)").arg(done).arg(total).arg(what).arg(percent));
 }
 
@@ -65,5 +80,5 @@ void TerminalProgress::finish()
     std::fprintf(stderr, "\r%*s\r", m_shownLength, "");
     std::fflush(stderr);
     m_shownLength = 0;
-    m_sinceShown.invalidate();
+    m_counting = false;
 }
