@@ -1,14 +1,14 @@
 #pragma once
 
 // The attribute exports with a choice of what fills their data cells, for the programs
-// built with the library in this tree (the vygis tool); not part of the installed API.
+// built with the library in this tree (the vygis tool); not part of the installed API and
+// not exported from the shared library: those programs link the library's objects.
 // The application's entry points in vygisutil.h are these exports with the cell values
 // that their contracts fix: RoundedTexts for a feature layer and for a point layer with
 // coordinates, ExactTexts for a table. Everything else a call does (what it refuses,
 // the sheet's layout, the progress dialog, the save) is theirs, as vygisutil.h says.
 
 #include "export/attributecells.h"
-#include "vygisutil_export.h"
 
 #include "tssde.h"
 
@@ -20,17 +20,16 @@
 namespace vygis {
 
 // VyExcelUtil::export2Excel of a feature layer.
-VYGISUTIL_EXPORT bool exportFeatureLayer(const QString& path, VyObjects::TsFeatureLayer* layer,
-                                         bool withAlias, const QSet<int>& excludedColumns,
-                                         CellValues cellValues);
+bool exportFeatureLayer(const QString& path, VyObjects::TsFeatureLayer* layer, bool withAlias,
+                        const QSet<int>& excludedColumns, CellValues cellValues);
 
 // VyExcelUtil::export2ExcelHasXYZ: columnNames may name X, Y and Z as well as fields.
-VYGISUTIL_EXPORT bool exportPointLayer(const QString& path, VyObjects::TsFeatureLayer* layer,
-                                       const std::vector<QString>& columnNames, bool withAlias,
-                                       const QSet<int>& excludedColumns, CellValues cellValues);
+bool exportPointLayer(const QString& path, VyObjects::TsFeatureLayer* layer,
+                      const std::vector<QString>& columnNames, bool withAlias,
+                      const QSet<int>& excludedColumns, CellValues cellValues);
 
 // VyExcelUtil::export2Excel of a table; the reference is let go before the call returns.
-VYGISUTIL_EXPORT bool exportTable(const QString& path, VyObjects::TsRefPtr<VyObjects::TsTable> table,
-                                  CellValues cellValues);
+bool exportTable(const QString& path, VyObjects::TsRefPtr<VyObjects::TsTable> table,
+                 CellValues cellValues);
 
 } // namespace vygis
