@@ -42,7 +42,8 @@ bool parsePart(ZipReader& zip, int index, XmlHandler& handler, QString* error)
     return true;
 }
 
-// The same for the parts read by the scanner: readers with feed, finish and errorString.
+// The same for the two parts that hold nearly all of a workbook's bytes, worksheets and
+// shared strings, read by the scanner: readers with feed, finish and errorString.
 template <typename Reader>
 bool scanPart(ZipReader& zip, int index, Reader& reader, QString* error)
 {
