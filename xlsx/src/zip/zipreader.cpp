@@ -1,6 +1,7 @@
 #include "zip/zipreader.h"
 
-#include <libdeflate.h>
+#include "zip/crc32.h"
+
 #include <zip.h>
 #include <zlib.h>
 
@@ -221,8 +222,7 @@ bool ZipReader::inflateStreaming(int index, const struct zip_stat& st, const Sin
             fail(error, QStringLiteral("entry %1 inflates beyond the limits").arg(name));
             return false;
         }
-        // libdeflate's checksum is several times as fast as zlib's.
-        crc = libdeflate_crc32(crc, output.get(), n);
+        crc = updateCrc32(crc, output.get(), n);
         if (n > 0 && !sink(output.get(), int(n)))
             return true;
     }

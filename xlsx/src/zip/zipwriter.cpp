@@ -1,10 +1,10 @@
 #include "zipwriter.h"
 
+#include "crc32.h"
 #include "piecedeflater.h"
 
 #include <QIODevice>
 
-#include <libdeflate.h>
 #include <zlib.h>   // crc32_combine
 
 #include <algorithm>
@@ -138,7 +138,7 @@ struct ZipWriter::Compressors
 // Deflates one piece into a raw deflate sequence of non-final blocks.
 void ZipWriter::deflatePiece(PieceDeflater& deflater, Piece& piece)
 {
-    piece.crc = quint32(libdeflate_crc32(0, piece.input.data(), piece.input.size()));
+    piece.crc = updateCrc32(0, piece.input.data(), piece.input.size());
     piece.failed = !deflater.deflate(piece.input.data(), piece.input.size(), piece.output,
                                      &piece.outputSize);
 }
