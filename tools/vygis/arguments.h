@@ -20,7 +20,10 @@ struct OptionSyntax
     int maxPositional = 0;
 };
 
-// A subcommand's arguments sorted into positional ones and options.
+// A subcommand's arguments sorted into positional ones and options. Not
+// QCommandLineParser: that takes any argument starting with "-" for an option (a
+// negative count, a table name such as "-north"), cannot read the old form of a list,
+// and words its messages in its own way.
 class Arguments
 {
 public:

@@ -1,16 +1,17 @@
 #include "arguments.h"
 #include "command.h"
 #include "filesafety.h"
+#include "import/attributejoin.h"
 #include "interruption.h"
 #include "joinreport.h"
 #include "joinwatch.h"
-#include "joinworkbook.h"
 #include "layersource.h"
 #include "terminalprogress.h"
 #include "tsqtext.h"
 #include "vygisutil.h"
 
 using namespace VyObjects;
+using vygis::JoinWorkbook;
 
 namespace {
 
@@ -27,13 +28,6 @@ struct JoinRequest
     bool keepGoing = false;
 };
 
-// A header as the join compares it: trimmed, upper case, cut before "(".
-QString normalisedHeader(const QString& text)
-{
-    const QString header = text.trimmed().toUpper();
-    return header.left(header.indexOf(QLatin1Char('(')));
-}
-
 bool parseFieldMap(const QStringList& entries, QMap<QString, QString>& fieldNames, QString& bad)
 {
     for (const QString& entry : entries) {
@@ -42,7 +36,7 @@ bool parseFieldMap(const QStringList& entries, QMap<QString, QString>& fieldName
             bad = entry;
             return false;
         }
-        fieldNames.insert(normalisedHeader(entry.left(equals)), entry.mid(equals + 1));
+        fieldNames.insert(JoinWorkbook::normalisedHeader(entry.left(equals)), entry.mid(equals + 1));
     }
     return true;
 }
@@ -93,7 +87,7 @@ int checkBeforeJoining(const JoinRequest& request, JoinWorkbook& workbook, Termi
         return failure(commandName, error);
     if (!layer->FindField(toTsString(request.keyName)))
         return failure(commandName, QStringLiteral("%1: the layer has no field %2").arg(request.layer, request.keyName));
-    progress.step(QStringLiteral("checking %1").arg(request.workbook));
+    progress.step(QStringLiteral("reading %1").arg(request.workbook));
     const bool keyFound = workbook.read(request.workbook, request.keyName);
     progress.finish();
     if (!keyFound)
@@ -155,8 +149,7 @@ int join(const JoinRequest& request, const JoinWorkbook& workbook, TerminalProgr
     bool ran = false;
     {
         const InterruptionGuard guard;
-        progress.step(QStringLiteral("reading %1").arg(request.workbook));
-        ran = VyExcelUtil::assocationFromExcel(request.workbook, request.keyName, watched.get(), request.fieldNames);
+        ran = vygis::joinWorkbook(workbook, watched.get(), request.fieldNames);
         progress.finish();
     }
     const TsGdalEditSummary summary = layer->editSummary();

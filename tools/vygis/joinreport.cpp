@@ -1,5 +1,7 @@
 #include "joinreport.h"
 
+#include <algorithm>
+
 using VyObjects::TsGdalEditSummary;
 
 namespace {
@@ -19,12 +21,33 @@ QString rowList(const QVector<int>& rows)
     return numbers.join(QStringLiteral(", ")) + QStringLiteral(" and ") + last;
 }
 
-QString duplicateLine(const QVector<JoinWorkbook::Duplicate>& duplicates)
+// The rows of every key text, in row order.
+QHash<QString, QVector<int>> rowsByKey(const vygis::JoinWorkbook& workbook)
+{
+    QHash<QString, QVector<int>> rows;
+    for (int row = workbook.headerRow() + 1; row <= workbook.lastRow(); ++row)
+        rows[workbook.keyText(row)].append(row);
+    return rows;
+}
+
+QVector<DuplicateKey> duplicatesIn(const QHash<QString, QVector<int>>& rowsByKey)
+{
+    QVector<DuplicateKey> found;
+    for (auto key = rowsByKey.cbegin(); key != rowsByKey.cend(); ++key) {
+        if (key.value().size() > 1)
+            found.append({key.key(), key.value()});
+    }
+    std::sort(found.begin(), found.end(),
+              [](const DuplicateKey& a, const DuplicateKey& b) { return a.rows.first() < b.rows.first(); });
+    return found;
+}
+
+QString duplicateLine(const QVector<DuplicateKey>& duplicates)
 {
     QString line = QStringLiteral("duplicate keys: %1").arg(duplicates.size());
     if (duplicates.isEmpty())
         return line;
-    const JoinWorkbook::Duplicate& first = duplicates.first();
+    const DuplicateKey& first = duplicates.first();
     return line + QStringLiteral(" (first: %1 in rows %2; row %3 was used)")
                       .arg(quoted(first.key), rowList(first.rows))
                       .arg(first.rows.last());
@@ -47,18 +70,18 @@ QStringList editLines(const TsGdalEditSummary& edits)
 
 } // namespace
 
-JoinCounts JoinCounts::of(const JoinWorkbook& workbook, const QHash<QString, long long>& featuresByKey,
+JoinCounts JoinCounts::of(const vygis::JoinWorkbook& workbook, const QHash<QString, long long>& featuresByKey,
                           const TsGdalEditSummary& edits)
 {
     JoinCounts counts;
+    const QHash<QString, QVector<int>> keyRows = rowsByKey(workbook);
     for (auto key = featuresByKey.cbegin(); key != featuresByKey.cend(); ++key) {
-        if (workbook.rowsByKey().contains(key.key()))
+        if (keyRows.contains(key.key()))
             counts.featuresJoined += key.value();
         else
             counts.featuresWithoutRow += key.value();
     }
-    const auto& rowsByKey = workbook.rowsByKey();
-    for (auto key = rowsByKey.cbegin(); key != rowsByKey.cend(); ++key) {
+    for (auto key = keyRows.cbegin(); key != keyRows.cend(); ++key) {
         if (featuresByKey.contains(key.key()))
             continue;
         counts.rowsWithoutFeature += key.value().size();
@@ -67,7 +90,7 @@ JoinCounts JoinCounts::of(const JoinWorkbook& workbook, const QHash<QString, lon
             counts.firstKeyWithoutFeature = key.key();
         }
     }
-    counts.duplicates = workbook.duplicates();
+    counts.duplicates = duplicatesIn(keyRows);
     counts.edits = edits;
     return counts;
 }

@@ -1,10 +1,18 @@
 #pragma once
 
-#include "joinworkbook.h"
+#include "import/attributejoin.h"
 #include "tsgdal.h"
 
 #include <QHash>
 #include <QStringList>
+#include <QVector>
+
+// A key with more than one row in the workbook; the join uses the last.
+struct DuplicateKey
+{
+    QString key;
+    QVector<int> rows;
+};
 
 // What a join matched and did, for the lines the command prints after it.
 struct JoinCounts
@@ -14,11 +22,11 @@ struct JoinCounts
     long long rowsWithoutFeature = 0;
     int firstRowWithoutFeature = 0;
     QString firstKeyWithoutFeature;
-    QVector<JoinWorkbook::Duplicate> duplicates;
+    QVector<DuplicateKey> duplicates;   // the one whose first row comes first leading
     VyObjects::TsGdalEditSummary edits;
 
     // featuresByKey: how many features the join read of each key text.
-    static JoinCounts of(const JoinWorkbook& workbook, const QHash<QString, long long>& featuresByKey,
+    static JoinCounts of(const vygis::JoinWorkbook& workbook, const QHash<QString, long long>& featuresByKey,
                          const VyObjects::TsGdalEditSummary& edits);
 
     // One count a line, for standard error:
