@@ -3,6 +3,7 @@
 #include "test_support.h"
 
 #include "read/xmlreader.h"
+#include "zip/inflater.h"
 
 #include <gtest/gtest.h>
 
@@ -42,6 +43,52 @@ TEST(ReadZip, ReportsAnEntryWhoseCompressedBytesAreDamaged)
     bool complete = true;
     entry(zip, "a.xml", &complete);
     EXPECT_FALSE(complete);
+}
+
+namespace {
+
+// Feeds the stream in pieces of inputStep bytes, inflating into outputStep bytes.
+std::pair<QByteArray, Inflater::Status> inflatedInPieces(const QByteArray& stream, int inputStep, int outputStep)
+{
+    Inflater inflater;
+    QByteArray out;
+    std::vector<char> buffer(static_cast<size_t>(outputStep));
+    Inflater::Status status = Inflater::More;
+    int at = 0;
+    while (status == Inflater::More) {
+        if (inflater.needsInput()) {
+            if (at >= stream.size())
+                break;
+            const int piece = std::min(inputStep, int(stream.size()) - at);
+            inflater.setInput(stream.constData() + at, size_t(piece));
+            at += piece;
+        }
+        size_t produced = 0;
+        status = inflater.inflate(buffer.data(), buffer.size(), &produced);
+        out.append(buffer.data(), int(produced));
+    }
+    return {out, status};
+}
+
+} // namespace
+
+TEST(ReadZip, InflatesAStreamInAnyPiecesAndTellsACutOneFromAWholeOne)
+{
+    QByteArray text;
+    for (int i = 0; i < 30000; ++i)
+        text += "<c r=\"A" + QByteArray::number(i) + "\"><v>" + QByteArray::number(i * 7919 % 10007) + "</v></c>";
+    const QByteArray stream = rawDeflate(text);
+    const std::pair<int, int> steps[] = {{1, 7}, {13, 4096}, {stream.size(), 1 << 18}};
+    for (const auto& [inputStep, outputStep] : steps) {
+        const auto [whole, status] = inflatedInPieces(stream, inputStep, outputStep);
+        EXPECT_EQ(status, Inflater::Ended) << inputStep;
+        EXPECT_EQ(whole, text) << inputStep;
+        const auto [cut, cutStatus] = inflatedInPieces(stream.left(stream.size() / 2), inputStep, outputStep);
+        EXPECT_NE(cutStatus, Inflater::Ended) << inputStep;
+        EXPECT_TRUE(text.startsWith(cut)) << inputStep;
+    }
+    QByteArray garbage(64, '\xff');
+    EXPECT_EQ(inflatedInPieces(garbage, 64, 4096).second, Inflater::Damaged);
 }
 
 TEST(ReadZip, StopsAnEntryThatInflatesPastThePartLimitOrAThousandfold)

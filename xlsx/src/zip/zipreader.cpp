@@ -1,9 +1,9 @@
 #include "zip/zipreader.h"
 
 #include "zip/crc32.h"
+#include "zip/inflater.h"
 
 #include <zip.h>
-#include <zlib.h>
 
 #include <limits>
 #include <memory>
@@ -179,8 +179,8 @@ bool ZipReader::streamThroughLibzip(int index, qint64 compressed, const Sink& si
     }
 }
 
-// Chunk by chunk through zlib, the limits judged after every chunk: an entry that
-// inflates far beyond what it claims is cut off soon after it crosses one.
+// Chunk by chunk, the limits judged after every chunk: an entry that inflates far
+// beyond what it claims is cut off soon after it crosses one.
 bool ZipReader::inflateStreaming(int index, const struct zip_stat& st, const Sink& sink, QString* error)
 {
     const QString& name = m_names.at(index);
@@ -189,33 +189,29 @@ bool ZipReader::inflateStreaming(int index, const struct zip_stat& st, const Sin
         fail(error, QStringLiteral("damaged entry %1").arg(name));
         return false;
     }
-    z_stream z{};
-    if (inflateInit2(&z, -MAX_WBITS) != Z_OK) {
+    Inflater inflater;
+    if (!inflater.isValid()) {
         fail(error, QStringLiteral("cannot inflate entry %1").arg(name));
         return false;
     }
-    std::unique_ptr<z_stream, int (*)(z_stream*)> end(&z, inflateEnd);
     int inputSize = 0;
     int outputSize = 0;
     const auto input = chunkFor(qint64(st.comp_size), inputSize);
     const auto output = chunkFor(qint64(st.size), outputSize);
     qint64 inflated = 0;
     quint32 crc = 0;
-    int status = Z_OK;
-    while (status != Z_STREAM_END) {
-        if (z.avail_in == 0) {
+    Inflater::Status status = Inflater::More;
+    while (status == Inflater::More) {
+        if (inflater.needsInput()) {
             const zip_int64_t n = zip_fread(file.get(), input.get(), zip_uint64_t(inputSize));
             if (n <= 0)
                 break;   // the deflate stream ended early: damaged
-            z.next_in = reinterpret_cast<Bytef*>(input.get());
-            z.avail_in = uInt(n);
+            inflater.setInput(input.get(), size_t(n));
         }
-        z.next_out = reinterpret_cast<Bytef*>(output.get());
-        z.avail_out = uInt(outputSize);
-        status = inflate(&z, Z_NO_FLUSH);
-        if (status != Z_OK && status != Z_STREAM_END)
+        size_t n = 0;
+        status = inflater.inflate(output.get(), size_t(outputSize), &n);
+        if (status == Inflater::Damaged)
             break;
-        const size_t n = size_t(outputSize) - z.avail_out;
         inflated += qint64(n);
         m_totalRead += qint64(n);
         if (!withinLimits(inflated, qint64(st.comp_size))) {
@@ -226,7 +222,7 @@ bool ZipReader::inflateStreaming(int index, const struct zip_stat& st, const Sin
         if (n > 0 && !sink(output.get(), int(n)))
             return true;
     }
-    if (status != Z_STREAM_END || crc != st.crc) {
+    if (status != Inflater::Ended || crc != st.crc) {
         fail(error, QStringLiteral("damaged entry %1").arg(name));
         return false;
     }
