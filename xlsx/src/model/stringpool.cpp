@@ -104,6 +104,32 @@ const char* findLoneSurrogate(const char* p, const char* end)
     return nullptr;
 }
 
+bool isAscii(const char* p, int size)
+{
+    quint64 bits = 0;
+    for (; size >= 8; p += 8, size -= 8) {
+        quint64 word;
+        std::memcpy(&word, p, 8);
+        bits |= word;
+    }
+    for (; size > 0; ++p, --size)
+        bits |= quint8(*p);
+    return (bits & 0x8080808080808080ull) == 0;
+}
+
+// Most cells hold ASCII: one allocation and a byte-to-unit copy instead of Qt's UTF-8
+// decoder, which costs several times as much for the short texts of a sheet.
+QString widenedAscii(const char* p, int size)
+{
+    if (size == 0)
+        return QString::fromUtf8(p, 0);   // empty, not null, as every text of the pool
+    QString text(size, Qt::Uninitialized);
+    char16_t* out = reinterpret_cast<char16_t*>(text.data());
+    for (int i = 0; i < size; ++i)
+        out[i] = char16_t(quint8(p[i]));
+    return text;
+}
+
 // A cut that does not split a character.
 int clampLength(const char* utf8, int size)
 {
@@ -212,6 +238,8 @@ QString StringPool::text(quint32 index) const
 {
     int size = 0;
     const char* bytes = utf8(index, &size);
+    if (isAscii(bytes, size))
+        return widenedAscii(bytes, size);
     const char* end = bytes + size;
     const char* surrogate = findLoneSurrogate(bytes, end);
     if (!surrogate)
