@@ -83,6 +83,24 @@ lines  </t></si><si><t>bell_x0007__x005F_x0041_</t></si><si><t>😀 ok</t></si>)
         EXPECT_EQ(doc->read(1, column), QVariant(texts[column - 1])) << column;
 }
 
+// A text many cells show is made into a QString once and shared, so a column of
+// repeated names costs one copy; a text one cell shows is not kept.
+TEST(ReadWorkbook, CellsShowingOneTextShareOneQString)
+{
+    auto doc = openSheet(
+        R"(<row r="1"><c r="A1" t="s"><v>0</v></c><c r="B1" t="s"><v>0</v></c><c r="C1" t="s"><v>1</v></c>)"
+        R"(<c r="D1" t="inlineStr"><is><t>again</t></is></c><c r="E1" t="inlineStr"><is><t>again</t></is></c></row>)",
+        sst(R"(<si><t>twice</t></si><si><t>once</t></si>)"));
+    QStringList texts;   // all held, so that no text's memory is reused for the next
+    for (int column = 1; column <= 5; ++column)
+        texts.append(doc->cellAt(1, column)->value().toString());
+    EXPECT_EQ(texts, (QStringList{"twice", "twice", "once", "again", "again"}));
+    EXPECT_EQ(texts[0].constData(), texts[1].constData());
+    EXPECT_EQ(texts[3].constData(), texts[4].constData());
+    EXPECT_EQ(texts[0].constData(), doc->cellAt(1, 1)->value().toString().constData());
+    EXPECT_NE(texts[2].constData(), doc->cellAt(1, 3)->value().toString().constData());
+}
+
 TEST(ReadWorkbook, PlacesCellsWithoutReferencesAfterThePreviousOnesAndDropsCellsOutsideTheGrid)
 {
     auto placed = openSheet(R"(<row r="3"><c r="B3"><v>1</v></c><c><v>2</v></c></row><row><c><v>3</v></c></row>)");

@@ -236,6 +236,18 @@ quint64 StringPool::store(const char* utf8, int size)
 
 QString StringPool::text(quint32 index) const
 {
+    if (index >= m_uses.size() || m_uses[index] < 2)
+        return decodedText(index);
+    if (m_sharedTexts.size() < m_uses.size())
+        m_sharedTexts.resize(m_uses.size());
+    QString& kept = m_sharedTexts[index];
+    if (kept.isNull())
+        kept = decodedText(index);
+    return kept;
+}
+
+QString StringPool::decodedText(quint32 index) const
+{
     int size = 0;
     const char* bytes = utf8(index, &size);
     if (isAscii(bytes, size))
@@ -292,6 +304,8 @@ void StringPool::clear()
     m_entries.clear();
     m_recent.reset();
     m_rich.clear();
+    m_uses.clear();
+    m_sharedTexts.clear();
 }
 
 } // namespace QXlsx::detail

@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringView>
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -37,7 +38,20 @@ public:
     // A rich text entry: its plain text and the <si> children as read. Never shared.
     quint32 addRich(const QString& plainText, const QByteArray& runsXml);
 
+    // An entry that cells refer to more than once gives the same QString every time,
+    // made on first use and kept (QString is implicitly shared), so reading a column of
+    // repeated texts makes each text once; other entries give a new QString each call.
+    // The kept texts make text() unsafe to call from two threads at once.
     QString text(quint32 index) const;
+    // Counts one more cell referring to the entry; only whether it is more than one
+    // matters, for text().
+    void noteUse(quint32 index)
+    {
+        if (index >= m_uses.size())
+            m_uses.resize(std::max(size_t(index) + 1, size_t(count())));
+        quint8& uses = m_uses[index];
+        uses = quint8(uses + (uses < 2));
+    }
     // The UTF-8 bytes of an entry, unescaped; they stay where they are until clear().
     const char* utf8(quint32 index, int* size) const;
     bool isRich(quint32 index) const;
@@ -55,6 +69,7 @@ private:
     quint64 store(const char* utf8, int size);
     void pushEntry(quint64 entry) { m_entries.push_back(entry); }
     quint64 entryAt(quint32 index) const { return m_entries[index]; }
+    QString decodedText(quint32 index) const;
     const char* at(quint64 offset) const
     {
         return m_chunks[size_t(offset >> ChunkBits)] + (offset & (ChunkSize - 1));
@@ -88,6 +103,8 @@ private:
     std::unique_ptr<quint64[]> m_recent;
     std::vector<char> m_utf8;                  // reused conversion buffer of add(QStringView)
     std::vector<std::pair<quint32, QByteArray>> m_rich;   // sorted by entry index
+    std::vector<quint8> m_uses;                // per entry, cells referring to it (2 = more)
+    mutable std::vector<QString> m_sharedTexts;   // of entries used more than once, or empty
 };
 
 } // namespace QXlsx::detail

@@ -353,8 +353,10 @@ void SheetDataReader::setValue(std::string_view text)
         text = trimmed(text);
         quint64 index = 0;
         const auto result = std::from_chars(text.data(), text.data() + text.size(), index);
-        if (result.ec == std::errc() && index < m_indexes.stringCount)
+        if (result.ec == std::errc() && index < m_indexes.stringCount) {
             CellAccess::setString(cell, m_indexes.firstString + quint32(index));
+            m_book.strings.noteUse(m_indexes.firstString + quint32(index));
+        }
         break;
     }
     case 'b':
@@ -388,7 +390,9 @@ void SheetDataReader::setValue(std::string_view text)
 void SheetDataReader::setText(std::string& text)
 {
     decodeEscapes(text);
-    CellAccess::setString(*m_cell, m_book.strings.add(text.data(), int(text.size())));
+    const quint32 index = m_book.strings.add(text.data(), int(text.size()));
+    CellAccess::setString(*m_cell, index);
+    m_book.strings.noteUse(index);
 }
 
 } // namespace QXlsx::detail
