@@ -209,12 +209,14 @@ size_t XmlScanner::scan(const char* data, size_t size)
 
 size_t XmlScanner::scanText(const char* p, const char* end)
 {
-    // Texts between tags are mostly a few bytes: a plain loop beats memchr, and notes
-    // on the way whether there is anything to resolve.
+    // Texts between tags are mostly a few bytes: a plain loop beats memchr. It stops at
+    // the first byte of the text class, "<" for a text with nothing to resolve.
     const char* lt = p;
-    bool plain = true;
-    for (; lt < end && *lt != '<'; ++lt)
-        plain = plain && !is(*lt, TextSpecial);
+    while (lt < end && !is(*lt, TextSpecial))
+        ++lt;
+    const bool plain = lt < end && *lt == '<';
+    while (lt < end && *lt != '<')
+        ++lt;
     if (lt == end)
         return 0;   // text ends at markup, which has not come yet
     const std::string_view raw(p, size_t(lt - p));
