@@ -212,6 +212,26 @@ TEST(WriteOpenpyxl, TheStaleCalculationChainIsDropped)
     EXPECT_EQ(str(dumpedCell(dump, 0, "B1").value("value")), "=A1*2");
 }
 
+// Cells that follow the one before them go without their reference; those after a gap
+// keep it.
+TEST(WriteOpenpyxl, CellsAfterAGapKeepTheirColumns)
+{
+    REQUIRE_OPENPYXL();
+    Document doc;
+    for (int column : {2, 3, 5, 6, 16384})
+        doc.write(1, column, column);
+    for (int column : {1, 3, 4})
+        doc.write(2, column, column);
+    const QJsonObject dump = openpyxlDump(saved(doc, "gaps.xlsx"));
+
+    for (const char* reference : {"B1", "C1", "E1", "F1", "XFD1", "A2", "C2", "D2"}) {
+        const CellReference cell(QString::fromLatin1(reference));
+        EXPECT_EQ(dumpedCell(dump, 0, reference).value("value").toDouble(), cell.column()) << reference;
+    }
+    for (const char* reference : {"A1", "D1", "G1", "B2", "E2"})
+        EXPECT_TRUE(dumpedCell(dump, 0, reference).isEmpty()) << reference;
+}
+
 TEST(WriteLibreOffice, ConvertsWhatWasWrittenAndLeavesTextAsText)
 {
     if (!haveOffice())
@@ -238,6 +258,8 @@ TEST(WriteLibreOffice, ConvertsWhatWasWrittenAndLeavesTextAsText)
     sheets.addSheet(QStringLiteral("Shown"));
     sheets.write(1, 1, QStringLiteral("second, with comma"));
     sheets.write(2, 2, 7);
+    sheets.write(2, 4, 8);
+    sheets.write(2, 5, 9);
 
     QString error;
     const QMap<QString, QString> csv =
@@ -248,5 +270,5 @@ TEST(WriteLibreOffice, ConvertsWhatWasWrittenAndLeavesTextAsText)
               "=1+1,007,1234.5678,http://example.com\n"
               "2.5,TRUE,2024-02-29," + std::string("\xE4\xB8\xAD\xE6\x96\x87 \xF0\x9F\x98\x80") + "\n");
     EXPECT_EQ(csv.value("sheets/Sheet1").toStdString(), "first\n");
-    EXPECT_EQ(csv.value("sheets/Shown").toStdString(), "\"second, with comma\",\n,7\n");
+    EXPECT_EQ(csv.value("sheets/Shown").toStdString(), "\"second, with comma\",,,,\n,7,,8,9\n");
 }

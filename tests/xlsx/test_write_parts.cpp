@@ -110,6 +110,25 @@ TEST(WriteWorksheetPart, KeptRowAndColumnAttributesNeverDuplicateWrittenOnes)
     EXPECT_EQ(xml.find("spans"), std::string::npos);
 }
 
+TEST(WriteWorksheetPart, ACellNamesItsReferenceOnlyAfterAGap)
+{
+    WorkbookData book;
+    SheetData& sheet = *book.appendSheet("Data", AbstractSheet::ST_WorkSheet);
+    for (int column : {2, 3, 5})
+        CellAccess::setNumber(sheet.cellFor(1, column), column);
+    for (int column : {1, 2})
+        CellAccess::setNumber(sheet.cellFor(4, column), column);
+    CellAccess::setNumber(sheet.cellFor(5, MaxColumns), 7);
+    const std::string xml = worksheetXml(book, sheet, true);
+
+    EXPECT_NE(xml.find("<sheetData>"
+                       "<row r=\"1\"><c r=\"B1\"><v>2</v></c><c><v>3</v></c><c r=\"E1\"><v>5</v></c></row>"
+                       "<row r=\"4\"><c><v>1</v></c><c><v>2</v></c></row>"
+                       "<row r=\"5\"><c r=\"XFD5\"><v>7</v></c></row>"
+                       "</sheetData>"),
+              std::string::npos) << xml;
+}
+
 TEST(WriteStylesPart, SharedPiecesAreWrittenOnceAndCustomCodesGetIdsFrom164)
 {
     StyleTable styles;
