@@ -158,6 +158,13 @@ def ratio_note(ours, peer, limit, what):
                                                              verdict(cpu, limit))
 
 
+def speed_note(ours, peer, what):
+    """Our time over the peer's, by CPU time and by wall time, where there is no target."""
+    cpu = ours.cpu / peer.cpu if peer.cpu > 0 else float("inf")
+    wall = ours.wall / peer.wall if peer.wall > 0 else float("inf")
+    return "%s: %.3f cpu (%.3f wall)" % (what, cpu, wall)
+
+
 class Bench:
     def __init__(self, options):
         self.o = options
@@ -187,6 +194,16 @@ class Bench:
     def peer(self, command, timeout=None, stdout_path=None):
         return run(command, timeout or self.timeout, self.scratch, stdout_path=stdout_path)
 
+    def qxlsx(self, workload):
+        """The QXlsx peer of the write or read workload, where this build has it: it is
+        built only from a QXlsx source tree the user gives (bench/README.md)."""
+        program = os.path.join(self.bin, "qxlsx_" + workload)
+        return program if os.path.exists(program) else None
+
+    def qxlsx_skipped(self):
+        self.table.add("  skipped: QXlsx (not built: no QXlsx source tree given, "
+                       "scripts/bench.sh --qxlsx PATH)")
+
     # --- 1. writing -----------------------------------------------------------------
 
     def write_peers(self):
@@ -195,6 +212,9 @@ class Bench:
         if os.path.exists(lxw):
             peers.append(("libxlsxwriter constant-mem", lambda n, out: [lxw, n, out, "constant"]))
             peers.append(("libxlsxwriter default", lambda n, out: [lxw, n, out]))
+        qxlsx = self.qxlsx("write")
+        if qxlsx:
+            peers.append(("QXlsx", lambda n, out: [qxlsx, n, out]))
         peers.append(("XlsxWriter (Python)",
                       lambda n, out: [PYTHON, os.path.join(PEERS, "xlsxwriter_write.py"), n, out]))
         peers.append(("openpyxl write-only",
@@ -247,7 +267,11 @@ class Bench:
                 note = ""
                 if name == "libxlsxwriter constant-mem" and result.ok and ours.ok:
                     note = ratio_note(ours, result, 0.35, "ours/this")
+                if name == "QXlsx" and result.ok and ours.ok:
+                    note = speed_note(ours, result, "ours/QXlsx")
                 t.run_row("  " + name, result, cells, baseline.peak, note)
+        if not self.qxlsx("write"):
+            self.qxlsx_skipped()
         for name, cells, small in skipped:
             t.add("  skipped at %s: %s (%s at %s, x10 > %d s)" % (
                 fmt_count(cells), name,
@@ -306,6 +330,10 @@ class Bench:
                      ("openpyxl read-only",
                       lambda out: [PYTHON, os.path.join(PEERS, "openpyxl_read.py"), source], 0.05),
                      ("xlsx2csv", lambda out: ["xlsx2csv", "-a", source, out], None)]
+            qxlsx = self.qxlsx("read")
+            if qxlsx:
+                peers.append(("QXlsx open + cellAt()->value()", lambda out: [qxlsx, source],
+                              None))
             if soffice:
                 peers.append(("LibreOffice --convert-to csv",
                               lambda out: self.libreoffice_command(soffice, source, out), None))
@@ -329,12 +357,18 @@ class Bench:
                     for label, ours in (("getExcelData", data), ("cellAt", by_cell)):
                         if ours.ok and (whole or ours is by_cell):
                             notes.append(ratio_note(ours, result, limit, label + "/this"))
+                if name.startswith("QXlsx") and result.ok and by_cell.ok:
+                    notes.append(speed_note(by_cell, result, "cellAt/QXlsx"))
+                    if result.figures != by_cell.figures:
+                        notes.append("read other counts than ours: %s" % result.figures)
                 t.run_row("  " + name, result, cells, baseline.peak, "; ".join(notes))
         for name, cells, small in skipped:
             why = ("run at the smaller size only" if name.startswith("LibreOffice") else
                    "%s at %s, x10 > %d s" % ("%.0f s" % small if small else "failed",
                                              fmt_count(self.sizes[0]), self.projection_limit))
             t.add("  skipped at %s: %s (%s)" % (fmt_count(cells), name, why))
+        if not self.qxlsx("read"):
+            self.qxlsx_skipped()
         self.scaling_row("scaling of cellAt", by_cell_runs)
 
     def libreoffice_command(self, soffice, source, out_dir):
