@@ -9,6 +9,8 @@
 
 #include <QObject>
 
+#include <functional>
+
 #include <utility>
 #include <vector>
 
@@ -55,21 +57,25 @@ bool VyExcelUtil::export2Excel(const QString& path, TsFeatureLayer* layer, bool 
                                      vygis::CellValues::RoundedTexts);
 }
 
-bool vygis::exportFeatureLayer(const QString& path, TsFeatureLayer* layer, bool withAlias,
-                               const QSet<int>& excludedColumns, CellValues cellValues)
+namespace {
+
+// Reads the data rows of an export into document from row 3 on; false when they do not
+// all fit on the sheet. names are the exported fields' names, in column order.
+using RowWriter = std::function<bool(QXlsx::Document& document, const std::vector<TsString>& names,
+                                     const TsFields& fields, const vygis::AttributeCells& cells,
+                                     const QXlsx::Format& format)>;
+
+bool exportRows(const QString& path, TsFeatureLayer* layer, bool withAlias,
+                const QSet<int>& excludedColumns, vygis::CellValues cellValues, const RowWriter& writeRows)
 {
     if (path.isEmpty() || !layer)
         return false;
 
     QXlsx::Document document;
-    const TsQueryFilter filter = layer->query_filter();
-    ExportedFields exported;
-    {
-        const TsRefPtr<TsFields> fields = layer->GetFields();
-        if (!fields)
-            return false;
-        exported = exportedFields(*fields, withAlias, excludedColumns);
-    }
+    const TsRefPtr<TsFields> fields = layer->GetFields();
+    if (!fields)
+        return false;
+    ExportedFields exported = exportedFields(*fields, withAlias, excludedColumns);
     const int width = exported.headers.size();
     if (width == 0 || width > QXlsx::MaxColumns)
         return false;
@@ -83,11 +89,24 @@ bool vygis::exportFeatureLayer(const QString& path, TsFeatureLayer* layer, bool 
 
     const QXlsx::Format centred = vygis::centredCellFormat();
     const vygis::AttributeCells cells(cellValues);
-    vygis::ValuesByName values(std::move(exported.names));
-    const auto writeRows = [&]() -> bool {
-        const TsRefPtr<TsFeatureCursor> cursor = layer->GetFeatureCursor(filter);
+    return vygis::writeRowsAndSaveIfComplete(document, path, [&] {
+        return writeRows(document, exported.names, *fields, cells, centred);
+    });
+}
+
+} // namespace
+
+bool vygis::exportFeatureLayer(const QString& path, TsFeatureLayer* layer, bool withAlias,
+                               const QSet<int>& excludedColumns, CellValues cellValues)
+{
+    const auto writeRows = [layer](QXlsx::Document& document, const std::vector<TsString>& names,
+                                   const TsFields&, const AttributeCells& cells,
+                                   const QXlsx::Format& format) -> bool {
+        const TsRefPtr<TsFeatureCursor> cursor = layer->GetFeatureCursor(layer->query_filter());
         if (!cursor)
             return true;
+        const int width = static_cast<int>(names.size());
+        ValuesByName values(names);
         int row = 3;
         for (TsRefPtr<TsFeature> feature = cursor->NextFeature(); feature;
              feature = cursor->NextFeature(), ++row) {
@@ -97,10 +116,37 @@ bool vygis::exportFeatureLayer(const QString& path, TsFeatureLayer* layer, bool 
             for (int k = 0; k < width; ++k) {
                 TsVariant value;
                 values.read(*feature, static_cast<std::size_t>(k), value);
-                document.write(row, k + 1, cells.attribute(value), centred);
+                document.write(row, k + 1, cells.attribute(value), format);
             }
         }
         return true;
     };
-    return vygis::writeRowsAndSaveIfComplete(document, path, writeRows);
+    return exportRows(path, layer, withAlias, excludedColumns, cellValues, writeRows);
+}
+
+bool vygis::exportFeatureLayer(const QString& path, TsFeatureLayer* layer, bool withAlias,
+                               const QSet<int>& excludedColumns, CellValues cellValues,
+                               FeatureValues& values)
+{
+    const auto writeRows = [layer, &values](QXlsx::Document& document, const std::vector<TsString>& names,
+                                            const TsFields& fields, const AttributeCells& cells,
+                                            const QXlsx::Format& format) -> bool {
+        if (!values.start(layer->query_filter()))
+            return true;
+        // The positions a host feature's values are found at by name (ValuesByName).
+        std::vector<int> positions;
+        positions.reserve(names.size());
+        for (const TsString& name : names)
+            positions.push_back(fields.FindFieldIndex(name));
+        for (int row = 3; values.next(); ++row) {
+            if (row > QXlsx::MaxRows)
+                return false;
+            for (std::size_t k = 0; k < positions.size(); ++k)
+                document.write(row, static_cast<int>(k) + 1,
+                               positions[k] < 0 ? cells.attribute(TsVariant()) : values.cell(positions[k], cells),
+                               format);
+        }
+        return true;
+    };
+    return exportRows(path, layer, withAlias, excludedColumns, cellValues, writeRows);
 }

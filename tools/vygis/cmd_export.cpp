@@ -3,6 +3,7 @@
 #include "export/attributeexports.h"
 #include "filesafety.h"
 #include "layersource.h"
+#include "layervalues.h"
 #include "readprogress.h"
 #include "terminalprogress.h"
 #include "tsqtext.h"
@@ -138,6 +139,12 @@ int runExport(const QStringList& arguments)
     if (parsed.isSet(columnsOption)) {
         std::vector<QString> names(columns.cbegin(), columns.cend());
         saved = vygis::exportPointLayer(output, counted.get(), names, withAlias, excluded, cellValuesOf(parsed));
+    } else if (auto* gdalLayer = dynamic_cast<TsGdalFeatureLayer*>(layer.get())) {
+        // Read straight from GDAL: for a large layer, making a host feature of every
+        // feature would cost more than writing its row.
+        CountedLayerValues values(*gdalLayer, total, QStringLiteral("saving %1").arg(output), progress);
+        saved = vygis::exportFeatureLayer(output, counted.get(), withAlias, excluded, cellValuesOf(parsed),
+                                          values);
     } else {
         saved = vygis::exportFeatureLayer(output, counted.get(), withAlias, excluded, cellValuesOf(parsed));
     }

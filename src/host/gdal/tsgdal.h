@@ -229,6 +229,7 @@ protected:
 
 private:
     friend class TsGdalEditBuffer;
+    friend class TsGdalValueReader;
 
     std::unique_ptr<Private> d;
 };

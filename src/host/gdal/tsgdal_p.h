@@ -199,6 +199,10 @@ public:
                         const TsRefPtr<TsFields>& fields, TsGdalFilter filter);
     // Null once every admitted feature has been handed out.
     TsRefPtr<TsFeature> next();
+    // The next admitted feature as GDAL read it, without a host feature made
+    // of it unless the filter compares its values here; it stays valid until
+    // the next call. Null once every admitted feature has been handed out.
+    const OGRFeature* nextOgrFeature();
 
 private:
     void restart();
@@ -210,6 +214,7 @@ private:
     std::uint64_t m_reader;
     long long m_consumed = 0;
     bool m_finished = false;
+    OGRFeatureUniquePtr m_current;
 };
 
 // The ids of the admitted features, in the layer's order.

@@ -79,6 +79,24 @@ TsRefPtr<TsFeature> TsGdalFeatureReader::next()
     return nullptr;
 }
 
+const OGRFeature* TsGdalFeatureReader::nextOgrFeature()
+{
+    m_current.reset();
+    if (m_finished)
+        return nullptr;
+    m_source->layerState().writePending();
+    if (!m_source->layerState().isReading(m_layer, m_reader))
+        restart();
+    TsGdalErrorTrap trap;
+    while ((m_current = OGRFeatureUniquePtr{m_layer->GetNextFeature()})) {
+        ++m_consumed;
+        if (!m_filter.needsValues() || m_filter.admits(*makeFeature(*m_current, m_fields)))
+            return m_current.get();
+    }
+    m_finished = true;
+    return nullptr;
+}
+
 void TsGdalFeatureReader::restart()
 {
     TsGdalErrorTrap trap;
