@@ -11,6 +11,10 @@
 #include <QBuffer>
 #include <QRandomGenerator>
 
+#include <limits>
+#include <string>
+#include <vector>
+
 #include <zlib.h>
 
 using namespace QXlsx::detail;
@@ -186,4 +190,19 @@ TEST(XmlNumbers, ShortestTextThatReadsBackTheSameDouble)
     EXPECT_EQ(number(1e20), "1e+20");
     EXPECT_EQ(number(1.0 / 3.0), "0.3333333333333333");
     EXPECT_EQ(std::stod(number(0.1 + 0.2)), 0.1 + 0.2);
+}
+
+TEST(XmlNumbers, WholeNumbersInDecimalAtEveryDigitCount)
+{
+    std::vector<quint64> values = {0, 1, 9, 10, 11, 99, 100, 101, 12345, 4294967295u,
+                                   std::numeric_limits<quint64>::max()};
+    for (quint64 power = 10; power <= 1000000000000000000u; power *= 10) {
+        values.push_back(power - 1);
+        values.push_back(power);
+    }
+    for (quint64 value : values) {
+        char digits[24];
+        const std::string text(digits, writeUInt(digits, value));
+        EXPECT_EQ(text, std::to_string(value));
+    }
 }

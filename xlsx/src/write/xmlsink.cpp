@@ -60,17 +60,31 @@ bool startsEscape(const char* p, size_t left)
 
 } // namespace
 
+// Every cell writes one or two numbers (its style, its shared string), so the digits are
+// placed from the end, two at a time from a table, once their count is known: a third
+// of the divisions and no reversing copy.
 char* writeUInt(char* out, quint64 value)
 {
-    char digits[20];
-    int n = 0;
-    do {
-        digits[n++] = char('0' + value % 10);
-        value /= 10;
-    } while (value != 0);
-    while (n > 0)
-        *out++ = digits[--n];
-    return out;
+    static constexpr char Pairs[] =
+        "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
+        "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
+        "8081828384858687888990919293949596979899";
+    int count = 1;
+    for (quint64 bound = 10; count < 20 && value >= bound; bound *= 10)
+        ++count;
+    char* end = out + count;
+    char* p = end;
+    while (value >= 100) {
+        const size_t pair = size_t(value % 100) * 2;
+        value /= 100;
+        p -= 2;
+        std::memcpy(p, Pairs + pair, 2);
+    }
+    if (value >= 10)
+        std::memcpy(p - 2, Pairs + size_t(value) * 2, 2);
+    else
+        p[-1] = char('0' + value);
+    return end;
 }
 
 XmlSink::XmlSink(Drain drain)
