@@ -2,24 +2,74 @@
 #include "csv.h"
 #include "filesafety.h"
 #include "terminalprogress.h"
-#include "vygisutil.h"
+#include "xlsxdocument.h"
+#include "xlsxworksheet.h"
 
 #include <QFileInfo>
 
 namespace {
 
-void printRows(const std::vector<QStringList>& rows, TerminalProgress& progress)
+// As in VyExcelUtil::getExcelData, which reads no sheet of more cells than this counted
+// from A1 (the rows it would hand out would not fit in memory).
+constexpr qint64 MaxCellsRead = qint64(1) << 27;
+
+// The text VyExcelUtil::getExcelData gives for a cell.
+QString cellText(const QXlsx::Worksheet& sheet, int row, int column)
+{
+    const QXlsx::Cell* cell = sheet.cellAt(row, column);
+    return cell ? cell->value().toString() : QString();
+}
+
+// Lines of CSV gathered into one text and written to standard output as UTF-8 a few
+// thousand at a time: a write per line would cost more than the line.
+class CsvOutput
+{
+public:
+    CsvOutput() { m_text.reserve(ChunkSize + 4096); }
+    ~CsvOutput() { flush(); }
+
+    QString& line() { return m_text; }
+    // Ends the line, and writes what has gathered once it is a chunk.
+    void endLine()
+    {
+        m_text += QLatin1Char('\n');
+        if (m_text.size() >= ChunkSize)
+            flush();
+    }
+    void flush()
+    {
+        if (m_text.isEmpty())
+            return;
+        // Whole lines only, so that no surrogate pair is cut in two.
+        standardOutput().device()->write(m_text.toUtf8());
+        m_text.clear();
+    }
+
+private:
+    static constexpr int ChunkSize = 1 << 16;
+    QString m_text;
+};
+
+// Prints rows 1 to rowCount, columns 1 to columnCount of sheet as CSV, cell by cell as
+// the sheet is read, with the texts getExcelData gives.
+void printSheet(const QXlsx::Worksheet& sheet, int rowCount, int columnCount, TerminalProgress& progress)
 {
     // Lines printed on the terminal itself show how far the dump got.
     const bool counted = !outputIsTerminal();
-    const long long total = static_cast<long long>(rows.size());
-    long long written = 0;
-    for (const QStringList& row : rows) {
-        writeCsvLine(standardOutput(), row);
-        if (counted)
-            progress.count(++written, total, QStringLiteral("rows"));
-    }
     standardOutput().flush();
+    {
+        CsvOutput out;
+        for (int row = 1; row <= rowCount; ++row) {
+            for (int column = 1; column <= columnCount; ++column) {
+                if (column > 1)
+                    out.line() += QLatin1Char(',');
+                appendCsvField(out.line(), cellText(sheet, row, column));
+            }
+            out.endLine();
+            if (counted)
+                progress.count(row, rowCount, QStringLiteral("rows"));
+        }
+    }
     progress.finish();
 }
 
@@ -34,12 +84,16 @@ int runDump(const QStringList& arguments)
         printError(QStringLiteral("vygis dump: %1: no such file").arg(path));
         return ExitFailure;
     }
-    std::vector<QStringList> rows;
     TerminalProgress progress(QStringLiteral("vygis dump: "));
     progress.step(QStringLiteral("reading %1").arg(path));
-    VyExcelUtil::getExcelData(path, rows);
-    progress.finish();
-    if (rows.empty()) {
+    const QXlsx::Document document(path);
+    const QXlsx::Worksheet* sheet = document.currentWorksheet();
+    const QXlsx::CellRange used = sheet ? sheet->dimension() : QXlsx::CellRange();
+    // From A1, as getExcelData reads.
+    const int rowCount = used.isValid() ? used.lastRow() : 0;
+    const int columnCount = used.isValid() ? used.lastColumn() : 0;
+    if (rowCount == 0 || qint64(rowCount) * columnCount > MaxCellsRead) {
+        progress.finish();
         const QString unreadable = workbookInputRefusal(path);
         printError(QStringLiteral("vygis dump: %1").arg(
             unreadable.isEmpty() ? QStringLiteral("%1: no sheet data (the active sheet is empty or "
@@ -47,7 +101,7 @@ int runDump(const QStringList& arguments)
                                  : unreadable));
         return ExitFailure;
     }
-    printRows(rows, progress);
+    printSheet(*sheet, rowCount, columnCount, progress);
     return ExitSuccess;
 }
 

@@ -38,6 +38,21 @@ void writeCsvFields(QTextStream& out, const QStringList& fields)
 
 } // namespace
 
+void appendCsvField(QString& line, const QString& field)
+{
+    if (!needsQuotes(field)) {
+        line += field;
+        return;
+    }
+    line += QLatin1Char('"');
+    for (const QChar c : field) {
+        if (c == QLatin1Char('"'))
+            line += QLatin1Char('"');
+        line += c;
+    }
+    line += QLatin1Char('"');
+}
+
 QString csvLine(const QStringList& fields)
 {
     QString line;

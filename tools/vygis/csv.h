@@ -10,6 +10,9 @@
 QString csvLine(const QStringList& fields);
 // Writes the CSV line of fields and its line end to out.
 void writeCsvLine(QTextStream& out, const QStringList& fields);
+// Appends field to line as one CSV field, quoted where csvLine quotes it; the caller
+// puts the commas between fields.
+void appendCsvField(QString& line, const QString& field);
 
 // The records of a CSV text: fields split at commas, quoted fields may hold commas,
 // doubled quotes and line breaks. Line ends are "\n" or "\r\n"; a last empty line
