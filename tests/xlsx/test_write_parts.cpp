@@ -4,6 +4,7 @@
 #include "model/cellaccess.h"
 #include "model/workbookdata.h"
 #include "write/packageplan.h"
+#include "write/sharedstrings.h"
 #include "write/stylelimit.h"
 #include "write/stylespart.h"
 #include "write/workbookpart.h"
@@ -127,6 +128,27 @@ TEST(WriteWorksheetPart, ACellNamesItsReferenceOnlyAfterAGap)
                        "<row r=\"5\"><c r=\"XFD5\"><v>7</v></c></row>"
                        "</sheetData>"),
               std::string::npos) << xml;
+}
+
+TEST(WriteSharedStrings, EveryEntryAsTheEscaperGivesItWhateverItsLength)
+{
+    // Plain texts up to the sink's reserve go a faster way than the others.
+    const std::string plain(XmlSink::MaxReserve - 15, 'p');
+    const std::vector<std::string> texts = {
+        "Feature 1-0", "", "a<b & c>", " lead", "two\nlines", "_x0041_", "caf\xC3\xA9",
+        plain, plain + "q", plain + "&", std::string(9000, 'x') + "<"};
+    StringPool pool;
+    std::string expected;
+    for (const std::string& text : texts) {
+        pool.append(text.data(), int(text.size()));
+        const bool preserve = text == " lead" || text == "two\nlines";
+        expected += preserve ? "<si><t xml:space=\"preserve\">" : "<si><t>";
+        expected += generated([&](XmlSink& out) { out.appendText(text.data(), text.size()); });
+        expected += "</t></si>";
+    }
+    const std::string xml = generated([&](XmlSink& out) { writeSharedStrings(out, pool, 0); });
+
+    EXPECT_NE(xml.find("uniqueCount=\"11\">" + expected + "</sst>"), std::string::npos);
 }
 
 TEST(WriteStylesPart, SharedPiecesAreWrittenOnceAndCustomCodesGetIdsFrom164)

@@ -44,7 +44,10 @@ void writeSharedStrings(XmlSink& out, const StringPool& strings, quint64 referen
         int size = 0;
         const char* text = strings.utf8(i, &size);
         size = cellTextBytes(text, size);
-        if (needsPreserve(text, size))
+        const bool preserve = needsPreserve(text, size);
+        if (!preserve && out.appendPlainElement("<si><t>", text, size_t(size), "</t></si>"))
+            continue;
+        if (preserve)
             out.literal("<si><t xml:space=\"preserve\">");
         else
             out.literal("<si><t>");

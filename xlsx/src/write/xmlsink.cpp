@@ -143,6 +143,17 @@ void XmlSink::appendNumber(double value)
 
 void XmlSink::appendText(const char* utf8, size_t size) { appendEscaped(utf8, size, false); }
 
+bool XmlSink::copyPlain(char* out, const char* utf8, size_t size)
+{
+    for (size_t i = 0; i < size; ++i) {
+        const char c = utf8[i];
+        if (TextClasses[quint8(c)] != Plain)
+            return false;
+        out[i] = c;
+    }
+    return true;
+}
+
 void XmlSink::appendText(const QString& text)
 {
     const QByteArray utf8 = text.toUtf8();

@@ -55,6 +55,22 @@ public:
     // pool keeps it as well), and an underscore that would otherwise start such an
     // escape becomes _x005F_, so a reader gets the text back.
     void appendText(const char* utf8, size_t size);
+    // open, the text and close as they are when all three fit MaxReserve bytes and
+    // none of them needs escaping (most shared strings): one bounds check and one pass
+    // that copies as it checks. False, with nothing written, otherwise.
+    template<size_t N, size_t M>
+    bool appendPlainElement(const char (&open)[N], const char* utf8, size_t size, const char (&close)[M])
+    {
+        if (size > MaxReserve - (N - 1) - (M - 1))
+            return false;
+        char* p = reserve(N - 1 + size + M - 1);
+        std::memcpy(p, open, N - 1);
+        if (!copyPlain(p + N - 1, utf8, size))
+            return false;
+        std::memcpy(p + N - 1 + size, close, M - 1);
+        commit(p + N - 1 + size + M - 1);
+        return true;
+    }
     void appendText(const QString& text);
     void appendAttribute(const char* utf8, size_t size);
     void appendAttribute(const QString& text);
@@ -64,6 +80,7 @@ public:
     bool ok() const { return m_ok; }
 
 private:
+    static bool copyPlain(char* out, const char* utf8, size_t size);
     void appendLong(const char* data, size_t size);
     void appendEscaped(const char* utf8, size_t size, bool attribute);
     void appendUnitEscape(unsigned unit);
