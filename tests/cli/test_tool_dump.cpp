@@ -49,11 +49,18 @@ TEST_F(ToolDump, PrintsEveryCellFromA1AsGetExcelDataReadsIt)
         document.write(4, 3, true);
         document.write(4, 4, QDate(2021, 7, 14));
         document.write(5, 2, QString::fromUcs4(U"Zo\u00EB \U0001F332"));
+        // Whole numbers, which the tool prints without asking Qt, beside the ones it leaves
+        // to Qt: zero, six zeros at the end, 2^53 and beyond.
+        const double numbers[] = {150013.0, -42.0, 0.0, -0.0, 1e6, 1200000.0, 123456789012345.0,
+                                  9007199254740991.0, 9007199254740992.0, -1e17, 2.5};
+        int column = 1;
+        for (const double number : numbers)
+            document.write(6, column++, number);
     });
     const ToolRun run = vygis({QStringLiteral("dump"), path});
     EXPECT_EQ(run.status, 0) << run.err.toStdString();
     EXPECT_EQ(run.out, csvOfExcelData(path));
-    EXPECT_TRUE(run.out.startsWith(QStringLiteral(",,,\n,\"a, b\",,\"say \"\"hi\"\"\nthen go\"\n")))
+    EXPECT_TRUE(run.out.startsWith(QStringLiteral(",,,,,,,,,,\n,\"a, b\",,\"say \"\"hi\"\"\nthen go\",,,,,,,\n")))
         << run.out.toStdString();
 }
 

@@ -7,17 +7,49 @@
 
 #include <QFileInfo>
 
+#include <cmath>
+
 namespace {
 
 // As in VyExcelUtil::getExcelData, which reads no sheet of more cells than this counted
 // from A1 (the rows it would hand out would not fit in memory).
 constexpr qint64 MaxCellsRead = qint64(1) << 27;
 
-// The text VyExcelUtil::getExcelData gives for a cell.
-QString cellText(const QXlsx::Worksheet& sheet, int row, int column)
+// Appends the text QVariant::toString() gives for a whole number d, and true, where
+// that text is its plain digits: 0 < |d| < 2^53 with at most four zeros at its end
+// (with six and more Qt writes "1e+06"; zero may be "-0"). False for any other number.
+// Most numbers of a sheet are whole, and QString::number costs more than printing the row.
+bool appendWholeNumber(QString& line, double d)
+{
+    const double limit = 9007199254740992.0;   // 2^53
+    if (!(d > -limit && d < limit) || d == 0 || d != std::trunc(d))
+        return false;
+    quint64 n = static_cast<quint64>(std::fabs(d));
+    if (n % 100000 == 0)
+        return false;
+    char digits[24];
+    char* end = digits + sizeof digits;
+    char* p = end;
+    do {
+        *--p = char('0' + n % 10);
+        n /= 10;
+    } while (n != 0);
+    if (d < 0)
+        *--p = '-';
+    line += QLatin1String(p, int(end - p));
+    return true;
+}
+
+// Appends the CSV field of the text VyExcelUtil::getExcelData gives for a cell.
+void appendCellText(QString& line, const QXlsx::Worksheet& sheet, int row, int column)
 {
     const QXlsx::Cell* cell = sheet.cellAt(row, column);
-    return cell ? cell->value().toString() : QString();
+    if (!cell)
+        return;
+    const QVariant value = cell->value();
+    if (value.userType() == QMetaType::Double && appendWholeNumber(line, value.toDouble()))
+        return;
+    appendCsvField(line, value.toString());
 }
 
 // Lines of CSV gathered into one text and written to standard output as UTF-8 a few
@@ -63,7 +95,7 @@ void printSheet(const QXlsx::Worksheet& sheet, int rowCount, int columnCount, Te
             for (int column = 1; column <= columnCount; ++column) {
                 if (column > 1)
                     out.line() += QLatin1Char(',');
-                appendCsvField(out.line(), cellText(sheet, row, column));
+                appendCellText(out.line(), sheet, row, column);
             }
             out.endLine();
             if (counted)
