@@ -23,9 +23,10 @@ quint32 hashBytes(const char* p, int size)
         p += 8;
         size -= 8;
     }
+    // The last bytes one at a time: a copy of a variable length would be a library call.
     quint64 tail = 0;
-    if (size > 0)   // an empty text may come without bytes: p is then null
-        std::memcpy(&tail, p, size_t(size));
+    for (int i = 0; i < size; ++i)   // an empty text may come without bytes: p is then null
+        tail |= quint64(quint8(p[i])) << (8 * i);
     h = (h ^ tail) * 0x94D049BB133111EBull;
     h ^= h >> 29;
     h *= 0xBF58476D1CE4E5B9ull;
@@ -52,10 +53,10 @@ int encodeUtf8(QStringView text, char* out)
             std::memcpy(&units, p, 8);
             if (units & 0xFF80FF80FF80FF80ull)
                 break;
-            o[0] = char(units);
-            o[1] = char(units >> 16);
-            o[2] = char(units >> 32);
-            o[3] = char(units >> 48);
+            // The four low bytes packed together and stored at once.
+            units = (units | units >> 8) & 0x0000FFFF0000FFFFull;
+            const quint32 bytes = quint32(units | units >> 16);
+            std::memcpy(o, &bytes, 4);
             o += 4;
             p += 4;
         }
