@@ -3,9 +3,11 @@
 #include "vywaitdialog.h"
 
 #include <QDialog>
+#include <QElapsedTimer>
 #include <QThread>
 #include <QTimer>
 
+#include <atomic>
 #include <stdexcept>
 
 namespace {
@@ -52,18 +54,26 @@ TEST_F(WaitWithApplicationTest, QuickWorkRunsOffTheGuiThreadShowsNothingAndPasse
 // The timer runs on the GUI thread while the work sleeps; the dialog goes with its owner.
 TEST_F(WaitWithApplicationTest, LongWorkShowsTheDialogWhileTheGuiThreadServesEvents)
 {
-    bool visibleDuringWork = false;
-    int ticks = 0;
+    std::atomic<bool> visibleDuringWork{false};
+    std::atomic<int> ticks{0};
     QTimer probe;
     QObject::connect(&probe, &QTimer::timeout, [&] {
-        visibleDuringWork = visibleDuringWork || anyDialogVisible();
+        if (anyDialogVisible())
+            visibleDuringWork = true;
         ++ticks;
     });
     probe.start(5);
     {
         VyWaitDialog dialog(QStringLiteral("Exporting..."), nullptr);
         dialog.setShowDelay(0);
-        dialog.WaitFor([] { QThread::msleep(150); });
+        // The work lasts until the GUI thread has served the timer a few times with the
+        // dialog up, however slowly a loaded machine runs it; ten seconds at the most.
+        dialog.WaitFor([&] {
+            QElapsedTimer waited;
+            waited.start();
+            while ((ticks < 4 || !visibleDuringWork) && waited.elapsed() < 10000)
+                QThread::msleep(5);
+        });
         EXPECT_TRUE(dialog.wasShown());
         EXPECT_TRUE(visibleDuringWork);
         EXPECT_GT(ticks, 3);
