@@ -205,6 +205,7 @@ public:
     const OGRFeature* nextOgrFeature();
 
 private:
+    void resume();
     void restart();
 
     TsRefPtr<TsGdalDataSource> m_source;

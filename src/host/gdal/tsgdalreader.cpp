@@ -65,9 +65,7 @@ TsRefPtr<TsFeature> TsGdalFeatureReader::next()
 {
     if (m_finished)
         return nullptr;
-    m_source->layerState().writePending();
-    if (!m_source->layerState().isReading(m_layer, m_reader))
-        restart();
+    resume();
     TsGdalErrorTrap trap;
     while (OGRFeatureUniquePtr feature{m_layer->GetNextFeature()}) {
         ++m_consumed;
@@ -84,9 +82,7 @@ const OGRFeature* TsGdalFeatureReader::nextOgrFeature()
     m_current.reset();
     if (m_finished)
         return nullptr;
-    m_source->layerState().writePending();
-    if (!m_source->layerState().isReading(m_layer, m_reader))
-        restart();
+    resume();
     TsGdalErrorTrap trap;
     while ((m_current = OGRFeatureUniquePtr{m_layer->GetNextFeature()})) {
         ++m_consumed;
@@ -95,6 +91,15 @@ const OGRFeature* TsGdalFeatureReader::nextOgrFeature()
     }
     m_finished = true;
     return nullptr;
+}
+
+// Another reader of the same layer may have moved GDAL's cursor, and edits may wait to
+// be written; either way this reader goes on where it stopped.
+void TsGdalFeatureReader::resume()
+{
+    m_source->layerState().writePending();
+    if (!m_source->layerState().isReading(m_layer, m_reader))
+        restart();
 }
 
 void TsGdalFeatureReader::restart()
