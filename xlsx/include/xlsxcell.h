@@ -13,8 +13,9 @@ namespace detail { class WorkbookData; struct CellAccess; }
 // One stored cell of a worksheet. Cells are owned by their worksheet; a Cell pointer
 // stays valid until that worksheet is next changed or the document is destroyed.
 //
-// The record is 24 bytes: the value (a number, or an index into the workbook's
-// string pool), the style record index, the column and the kind. Everything else a
+// The record is 16 bytes: the value (a number, or an index into the workbook's
+// string pool), the style record index, the column and the kind; the workbook is
+// found from where the cell is kept. Everything else a
 // cell can tell (its text, its format, whether it is a date) is looked up in the
 // workbook it belongs to, so a sheet of millions of cells stays small.
 class XLSX_EXPORT Cell
@@ -45,8 +46,8 @@ public:
 private:
     friend struct detail::CellAccess;
     Cell() = default;
+    const detail::WorkbookData& book() const;
 
-    const detail::WorkbookData* m_book = nullptr;
     union {
         double number;
         quint32 index;   // string pool entry of a text or an error

@@ -7,7 +7,7 @@
 
 namespace QXlsx {
 
-static_assert(sizeof(Cell) == 24, "a worksheet of millions of cells depends on this size");
+static_assert(sizeof(Cell) == 16, "a worksheet of millions of cells depends on this size");
 
 namespace {
 
@@ -53,18 +53,23 @@ QString elementText(const QByteArray& xml)
 
 } // namespace
 
+const detail::WorkbookData& Cell::book() const
+{
+    return *detail::CellArena::bookOf(this);
+}
+
 QVariant Cell::value() const
 {
     switch (m_type) {
     case NumberType: return m_value.number;
     case BooleanType: return m_value.boolean;
     case StringType:
-    case ErrorType: return m_book->strings.text(m_value.index);
+    case ErrorType: return book().strings.text(m_value.index);
     default: return {};
     }
 }
 
-Format Cell::format() const { return m_book->styles.format(m_style); }
+Format Cell::format() const { return book().styles.format(m_style); }
 
 bool Cell::hasFormula() const { return m_flags & detail::CellHasFormula; }
 
@@ -72,18 +77,18 @@ QString Cell::formula() const
 {
     if (!hasFormula())
         return {};
-    const QByteArray* element = m_book->formulaOf(this);
+    const QByteArray* element = book().formulaOf(this);
     return element ? elementText(*element) : QString();
 }
 
 bool Cell::isDateTime() const
 {
-    return m_type == NumberType && m_book->styles.isDateTime(m_style);
+    return m_type == NumberType && book().styles.isDateTime(m_style);
 }
 
 QDateTime Cell::dateTime() const
 {
-    return isDateTime() ? detail::fromSerial(m_value.number, m_book->date1904) : QDateTime();
+    return isDateTime() ? detail::fromSerial(m_value.number, book().date1904) : QDateTime();
 }
 
 } // namespace QXlsx

@@ -7,10 +7,9 @@ namespace QXlsx::detail {
 // The engine's own door into Cell records, which the public API keeps read-only.
 struct CellAccess
 {
-    static Cell make(const WorkbookData* book, int column)
+    static Cell make(int column)
     {
         Cell c;
-        c.m_book = book;
         c.m_column = quint16(column);
         return c;
     }

@@ -10,9 +10,8 @@ namespace QXlsx::detail {
 
 namespace {
 
-// Blocks start small, so that a sheet of a few cells costs little, and double up to the
-// size that gets large pages.
-constexpr size_t FirstBlockBytes = 16 * 1024;
+// A sheet of a few cells touches one page of its first block; larger blocks double up
+// to the size that gets large pages.
 constexpr size_t MaxBlockBytes = 2 * LargePageSize;
 
 } // namespace
@@ -20,7 +19,7 @@ constexpr size_t MaxBlockBytes = 2 * LargePageSize;
 CellArena::~CellArena()
 {
     for (const Block& block : m_blocks)
-        freeLarge(block.data, block.bytes);
+        freeLarge(block.data, block.bytes, GranuleBytes);
 }
 
 int CellArena::sizeClass(quint32 capacity, quint32* rounded)
@@ -37,6 +36,34 @@ int CellArena::sizeClass(quint32 capacity, quint32* rounded)
     return ExactClasses + bits - 6;
 }
 
+const WorkbookData* CellArena::bookOf(const Cell* cell)
+{
+    const auto granule = reinterpret_cast<quintptr>(cell) & ~quintptr(GranuleBytes - 1);
+    const WorkbookData* const* book = nullptr;
+    std::memcpy(&book, reinterpret_cast<const void*>(granule), sizeof(book));
+    return *book;
+}
+
+// Moves on to the next granule of the current block, if it has one.
+bool CellArena::startGranule()
+{
+    if (m_granuleEnd == m_blockEnd)
+        return false;
+    std::memcpy(m_granuleEnd, &m_book, sizeof(m_book));
+    m_next = m_granuleEnd + GranuleHeaderBytes;
+    m_granuleEnd += GranuleBytes;
+    return true;
+}
+
+void CellArena::startBlock(size_t bytes)
+{
+    char* block = static_cast<char*>(allocateLarge(bytes, GranuleBytes));
+    m_blocks.push_back({block, bytes});
+    m_granuleEnd = block;
+    m_blockEnd = block + bytes;
+    startGranule();
+}
+
 Cell* CellArena::allocate(quint32 capacity, quint32* granted)
 {
     const int index = sizeClass(capacity, granted);
@@ -45,13 +72,9 @@ Cell* CellArena::allocate(quint32 capacity, quint32* granted)
         return static_cast<Cell*>(reused);
     }
     const size_t bytes = size_t(*granted) * sizeof(Cell);
-    if (size_t(m_end - m_next) < bytes) {
-        const size_t last = m_blocks.empty() ? FirstBlockBytes / 2 : m_blocks.back().bytes;
-        const size_t blockBytes = std::max(bytes, std::min(last * 2, MaxBlockBytes));
-        char* block = static_cast<char*>(allocateLarge(blockBytes));
-        m_blocks.push_back({block, blockBytes});
-        m_next = block;
-        m_end = block + blockBytes;
+    if (size_t(m_granuleEnd - m_next) < bytes && !startGranule()) {
+        const size_t last = m_blocks.empty() ? GranuleBytes / 2 : m_blocks.back().bytes;
+        startBlock(std::min(last * 2, MaxBlockBytes));
     }
     Cell* cells = reinterpret_cast<Cell*>(m_next);
     m_next += bytes;

@@ -10,16 +10,24 @@
 
 namespace QXlsx::detail {
 
+class WorkbookData;
+
 static_assert(std::is_trivially_copyable_v<Cell>, "cells are moved as bytes");
 
 // Where the cells of one sheet live. A sheet of millions of cells in one heap allocation
 // per row would pay a malloc per row and a page fault per 4 KiB of fresh memory; here
 // the rows' cell arrays are cut from large blocks, and an array a row outgrows is kept
 // for the next row that needs one of its size.
+//
+// A cell does not carry the address of its workbook: eight bytes more a cell would be a
+// third more memory for a sheet of millions. The blocks are cut into granules aligned
+// to their size, no array crosses a granule's end, and each granule starts with where
+// the sheet keeps its workbook, so a cell finds it from its own address.
 class CellArena
 {
 public:
-    CellArena() = default;
+    // book: where the owning sheet keeps the workbook its cells belong to.
+    explicit CellArena(const WorkbookData* const* book) : m_book(book) {}
     ~CellArena();
     CellArena(const CellArena&) = delete;
     CellArena& operator=(const CellArena&) = delete;
@@ -28,8 +36,18 @@ public:
     Cell* allocate(quint32 capacity, quint32* granted);
     void release(Cell* cells, quint32 capacity);
 
+    // The workbook of a cell kept in any sheet's arena.
+    static const WorkbookData* bookOf(const Cell* cell);
+
 private:
     static int sizeClass(quint32 capacity, quint32* rounded);
+    bool startGranule();
+    void startBlock(size_t bytes);
+
+    // The widest row, MaxColumns cells, fits a granule beside its header.
+    static constexpr size_t GranuleBytes = size_t(512) << 10;
+    static constexpr size_t GranuleHeaderBytes = 16;
+    static_assert(sizeof(Cell) * MaxColumns + GranuleHeaderBytes <= GranuleBytes);
     static constexpr int ExactClasses = 32;   // arrays of 1 to 32 cells are sized exactly
     static constexpr int ClassCount = ExactClasses + 10;
 
@@ -39,8 +57,10 @@ private:
         size_t bytes;
     };
     std::vector<Block> m_blocks;
+    const WorkbookData* const* m_book;
     char* m_next = nullptr;
-    char* m_end = nullptr;
+    char* m_granuleEnd = nullptr;
+    char* m_blockEnd = nullptr;
     void* m_free[ClassCount] = {};   // released arrays, each holding the next one's address
 };
 

@@ -14,9 +14,11 @@ namespace QXlsx::detail {
 // Elsewhere they are plain allocations.
 constexpr std::size_t LargePageSize = std::size_t(2) << 20;
 
-void* allocateLarge(std::size_t bytes);
-// bytes as given to allocateLarge.
-void freeLarge(void* block, std::size_t bytes) noexcept;
+// alignment: a power of two the block's address must be a multiple of.
+void* allocateLarge(std::size_t bytes, std::size_t alignment = alignof(std::max_align_t));
+// bytes and alignment as given to allocateLarge.
+void freeLarge(void* block, std::size_t bytes,
+               std::size_t alignment = alignof(std::max_align_t)) noexcept;
 
 // A standard allocator over allocateLarge, for vectors that grow big.
 template <typename T>

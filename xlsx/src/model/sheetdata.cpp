@@ -118,13 +118,13 @@ Cell& SheetData::cellFor(int row, int column)
 {
     CellList& cells = rowFor(row).cells;
     if (cells.empty() || cells.back().column() < column)
-        return cells.append(cellArena, CellAccess::make(book, column));
+        return cells.append(cellArena, CellAccess::make(column));
     if (cells.back().column() == column)
         return cells.back();
     auto it = lowerBoundCell(cells, column);
     if (it != cells.end() && it->column() == column)
         return *it;
-    return *cells.insert(cellArena, it, CellAccess::make(book, column));
+    return *cells.insert(cellArena, it, CellAccess::make(column));
 }
 
 bool SheetData::removeCell(int row, int column)

@@ -58,7 +58,7 @@ public:
     AbstractSheet::SheetType type = AbstractSheet::ST_WorkSheet;
     AbstractSheet::SheetState state = AbstractSheet::SS_Visible;
 
-    CellArena cellArena;                  // the memory of every row's cells
+    CellArena cellArena{&book};           // the memory of every row's cells
     RowList rows;                         // sorted by row
     std::vector<ColumnRecord> columns;    // sorted by first column, not overlapping
     QList<CellRange> merges;

@@ -331,7 +331,7 @@ void SheetDataReader::startCell(const ScannedTag& tag)
         if (record.cells.capacity() == 0)
             record.cells.reserve(m_sheet.cellArena, m_previousRowCells);
         if (record.cells.empty() || record.cells.back().column() < column) {
-            cell = &record.cells.append(m_sheet.cellArena, CellAccess::make(&m_book, column));
+            cell = &record.cells.append(m_sheet.cellArena, CellAccess::make(column));
         } else {
             cell = &m_sheet.cellFor(row, column);
         }
