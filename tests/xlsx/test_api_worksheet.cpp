@@ -67,6 +67,33 @@ TEST(WorksheetValues, CellsWrittenOutOfOrderAreFound)
     EXPECT_EQ(doc.cellAt(4, 1), nullptr);
 }
 
+// A cell finds its workbook from where its sheet keeps it, so a cell of one document must
+// never answer with another's texts or formats, wherever in the sheet's memory it is:
+// far into a large sheet, and in a row filled to the last column.
+TEST(WorksheetValues, EveryCellAnswersFromItsOwnWorkbookInLargeSheets)
+{
+    Document first, second;
+    Format bold;
+    bold.setFontBold(true);
+    const int rows = 20000;   // 200,000 cells: several megabytes of cell records
+    for (int row = 1; row <= rows; ++row) {
+        for (int column = 1; column <= 10; ++column) {
+            first.write(row, column, QStringLiteral("first %1-%2").arg(row).arg(column));
+            second.write(row, column, QStringLiteral("second %1-%2").arg(row).arg(column), bold);
+        }
+    }
+    for (int column = 1; column <= MaxColumns; ++column)
+        second.write(rows + 1, column, column);
+    for (const int row : {1, rows / 2, rows}) {
+        EXPECT_EQ(first.read(row, 10), QStringLiteral("first %1-10").arg(row));
+        EXPECT_EQ(second.read(row, 10), QStringLiteral("second %1-10").arg(row));
+        EXPECT_FALSE(first.cellAt(row, 10)->format().fontBold());
+        EXPECT_TRUE(second.cellAt(row, 10)->format().fontBold());
+    }
+    EXPECT_EQ(second.read(rows + 1, MaxColumns), QVariant(double(MaxColumns)));
+    EXPECT_EQ(second.read(rows + 1, 1), QVariant(1.0));
+}
+
 TEST(WorksheetDates, DatesGetADateFormatUnlessTheCallerGaveOneAndReadBackInEitherDateSystem)
 {
     Document doc;
