@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+#include <vector>
+
 using QXlsx::detail::StringPool;
 
 TEST(StringPool, EqualTextsShareOneEntryUntilCleared)
@@ -54,6 +57,30 @@ TEST(StringPool, ManyEntriesAndLongTextsSurviveGrowth)
     EXPECT_EQ(pool.text(after), QStringLiteral("after"));
     // A text last seen long ago may get an entry of its own; it still reads back.
     EXPECT_EQ(pool.text(pool.add(QString::number(4242))), QStringLiteral("4242"));
+}
+
+// The length kept in front of each text takes one to four bytes; every size where it
+// takes one more, and the longest text a pool keeps, read back whole, among neighbours.
+TEST(StringPool, TextsAtEveryLengthBoundaryReadBackWithTheirNeighbours)
+{
+    StringPool pool;
+    std::vector<std::pair<quint32, int>> entries;
+    for (const int size : {0, 1, 127, 128, 16383, 16384, (1 << 21) - 1, 1 << 21, StringPool::MaxTextBytes}) {
+        const QByteArray text(size, char('a' + size % 26));
+        entries.emplace_back(pool.add(text.constData(), size), size);
+        pool.add(u"|");
+    }
+    for (const auto& [index, size] : entries) {
+        int stored = -1;
+        const char* bytes = pool.utf8(index, &stored);
+        ASSERT_EQ(stored, size);
+        EXPECT_EQ(QByteArray(bytes, stored), QByteArray(size, char('a' + size % 26)));
+    }
+    const QByteArray tooLong(StringPool::MaxTextBytes + 10, 'z');
+    int kept = 0;
+    pool.utf8(pool.add(tooLong.constData(), tooLong.size()), &kept);
+    EXPECT_EQ(kept, StringPool::MaxTextBytes);
+    EXPECT_EQ(pool.text(pool.add(u"last")), QStringLiteral("last"));
 }
 
 TEST(StringPool, RichEntriesAreNeverShared)

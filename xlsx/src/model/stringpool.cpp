@@ -7,8 +7,33 @@ namespace QXlsx::detail {
 
 namespace {
 
-constexpr int LengthBits = 24;
-constexpr quint64 LengthMask = (quint64(1) << LengthBits) - 1;
+// A text's length goes in front of it, seven bits a byte, low bits first, the top bit
+// set on all bytes but the last: one byte for texts up to 127 bytes.
+constexpr int MaxLengthBytes = 4;   // texts are shorter than 2^24 bytes
+
+int writeLength(char* out, quint32 size)
+{
+    int n = 0;
+    while (size >= 0x80) {
+        out[n++] = char(0x80 | (size & 0x7F));
+        size >>= 7;
+    }
+    out[n++] = char(size);
+    return n;
+}
+
+const char* readLength(const char* p, int* size)
+{
+    quint32 value = 0;
+    for (int shift = 0;; shift += 7) {
+        const quint8 byte = quint8(*p++);
+        value |= quint32(byte & 0x7F) << shift;
+        if (byte < 0x80)
+            break;
+    }
+    *size = int(value);
+    return p;
+}
 
 // A small multiply-xorshift hash over 8 bytes at a time. Texts in the pool are short
 // and numerous, and qHashBits in Qt 5 walks them a byte at a time.
@@ -172,7 +197,7 @@ quint32 StringPool::addRich(const QString& plainText, const QByteArray& runsXml)
     const int size = clampLength(bytes.constData(), bytes.size());
     m_longest = std::max(m_longest, size);
     const quint32 index = count();
-    pushEntry(store(bytes.constData(), size) << LengthBits | quint64(size));
+    pushEntry(store(bytes.constData(), size));
     m_rich.emplace_back(index, runsXml);
     return index;
 }
@@ -182,7 +207,7 @@ quint32 StringPool::append(const char* utf8, int size)
     size = clampLength(utf8, std::max(size, 0));
     m_longest = std::max(m_longest, size);
     const quint32 index = count();
-    pushEntry(store(utf8, size) << LengthBits | quint64(size));
+    pushEntry(store(utf8, size));
     return index;
 }
 
@@ -193,9 +218,10 @@ quint32 StringPool::insert(const char* utf8, int size, quint32 hash)
     quint64& slot = m_recent[hash & (RecentSlots - 1)];
     if (slot && quint32(slot >> 32) == hash) {
         const quint32 candidate = quint32(slot) - 1;
-        const quint64 entry = entryAt(candidate);
-        if (int(entry & LengthMask) == size
-            && (size == 0 || std::memcmp(at(entry >> LengthBits), utf8, size_t(size)) == 0))
+        int candidateSize = 0;
+        const char* candidateText = readLength(at(offsetOf(candidate)), &candidateSize);
+        if (candidateSize == size
+            && (size == 0 || std::memcmp(candidateText, utf8, size_t(size)) == 0))
             return candidate;
     }
     const quint32 index = append(utf8, size);
@@ -203,10 +229,23 @@ quint32 StringPool::insert(const char* utf8, int size, quint32 hash)
     return index;
 }
 
-quint64 StringPool::store(const char* utf8, int size)
+void StringPool::pushEntry(quint64 offset)
 {
-    if (size == 0)
-        return m_used;
+    const quint32 index = m_count;
+    if ((index & (EntryChunkSize - 1)) == 0)
+        m_entryChunks.emplace_back(new quint32[EntryChunkSize]);
+    if ((index & ((quint32(1) << GroupBits) - 1)) == 0)
+        m_groupStarts.push_back(offset);
+    m_entryChunks.back()[index & (EntryChunkSize - 1)] = quint32(offset - m_groupStarts.back());
+    ++m_count;
+}
+
+// Stores a text with its length in front and gives the offset of the length.
+quint64 StringPool::store(const char* utf8, int textSize)
+{
+    char length[MaxLengthBytes];
+    const int lengthSize = writeLength(length, quint32(textSize));
+    const int size = lengthSize + textSize;
     const quint64 inChunk = m_used & (ChunkSize - 1);
     const bool full = (m_used >> ChunkBits) >= m_chunks.size();
     if (full || inChunk + quint64(size) > ChunkSize) {
@@ -227,7 +266,10 @@ quint64 StringPool::store(const char* utf8, int size)
         }
     }
     const quint64 offset = m_used;
-    std::memcpy(const_cast<char*>(at(offset)), utf8, size_t(size));
+    char* out = const_cast<char*>(at(offset));
+    std::memcpy(out, length, size_t(lengthSize));
+    if (textSize)
+        std::memcpy(out + lengthSize, utf8, size_t(textSize));
     m_used += quint64(size);
     // A text longer than a chunk is never followed in its last chunk.
     if (size_t(size) > ChunkSize)
@@ -275,9 +317,7 @@ const char* StringPool::utf8(quint32 index, int* size) const
         *size = 0;
         return "";
     }
-    const quint64 entry = entryAt(index);
-    *size = int(entry & LengthMask);
-    return *size ? at(entry >> LengthBits) : "";
+    return readLength(at(offsetOf(index)), size);
 }
 
 bool StringPool::isRich(quint32 index) const
@@ -302,7 +342,9 @@ void StringPool::clear()
     m_chunks.clear();
     m_used = 0;
     m_longest = 0;
-    m_entries.clear();
+    m_groupStarts.clear();
+    m_entryChunks.clear();
+    m_count = 0;
     m_recent.reset();
     m_rich.clear();
     m_uses.clear();

@@ -56,7 +56,7 @@ public:
     const char* utf8(quint32 index, int* size) const;
     bool isRich(quint32 index) const;
     QByteArray richXml(quint32 index) const;
-    quint32 count() const { return quint32(m_entries.size()); }
+    quint32 count() const { return m_count; }
     // The size of the longest entry in UTF-8 bytes, so that a writer learns without a
     // look at every entry that none is over a limit.
     int longestText() const { return m_longest; }
@@ -67,8 +67,12 @@ public:
 private:
     quint32 insert(const char* utf8, int size, quint32 hash);
     quint64 store(const char* utf8, int size);
-    void pushEntry(quint64 entry) { m_entries.push_back(entry); }
-    quint64 entryAt(quint32 index) const { return m_entries[index]; }
+    void pushEntry(quint64 offset);
+    quint64 offsetOf(quint32 index) const
+    {
+        return m_groupStarts[index >> GroupBits]
+            + m_entryChunks[index >> EntryChunkBits][index & (EntryChunkSize - 1)];
+    }
     QString decodedText(quint32 index) const;
     const char* at(quint64 offset) const
     {
@@ -94,8 +98,17 @@ private:
     quint64 m_used = 0;                        // arena offset of the next free byte
     int m_longest = 0;
 
-    // Per entry, its start in the arena << 24 | its length (texts < 16 MiB).
-    std::vector<quint64, LargeAllocator<quint64>> m_entries;
+    // Where each entry's text starts in the arena, its length in front of it. Four bytes
+    // an entry rather than eight, a tenth of a sheet of short texts: an entry holds its
+    // offset from the start of its group of 2^GroupBits entries, whose texts lie in
+    // order and span less than 4 GiB. The offsets are kept in fixed chunks, so a growing
+    // table never holds an old and a new copy at once.
+    static constexpr int GroupBits = 7;
+    static constexpr int EntryChunkBits = 16;
+    static constexpr quint32 EntryChunkSize = quint32(1) << EntryChunkBits;
+    std::vector<quint64> m_groupStarts;
+    std::vector<std::unique_ptr<quint32[]>> m_entryChunks;
+    quint32 m_count = 0;
     // The recently added texts, direct mapped by hash: a slot holds the entry's hash
     // above its index + 1 (0 = free), so a miss never looks at a text. Small enough to
     // stay in the processor's cache.
