@@ -1,5 +1,6 @@
 #include "arguments.h"
 #include "command.h"
+#include "commandruns.h"
 #include "filesafety.h"
 #include "import/attributejoin.h"
 #include "interruption.h"
@@ -164,6 +165,8 @@ int join(const JoinRequest& request, const JoinWorkbook& workbook, TerminalProgr
     return committed ? ExitSuccess : reportUndone(request, *layer);
 }
 
+} // namespace
+
 int runJoin(const QStringList& arguments)
 {
     Arguments parsed;
@@ -186,50 +189,4 @@ int runJoin(const QStringList& arguments)
     TerminalProgress progress(QStringLiteral("vygis join: "));
     const int checked = checkBeforeJoining(request, workbook, progress);
     return checked != ExitSuccess ? checked : join(request, workbook, progress);
-}
-
-} // namespace
-
-Command joinCommand()
-{
-    Command command;
-    command.name = commandName;
-    command.summary = QStringLiteral("join a workbook's columns into a layer on a key field");
-    command.usage = QStringLiteral(
-        "Usage: vygis join WORKBOOK LAYER --key FIELD [--map HEADER=FIELD]...\n"
-        "                  [--where CLAUSE] [--keep-going]\n\n"
-        "Writes the cells of WORKBOOK (an .xlsx workbook, its first sheet) into the\n"
-        "attributes of LAYER (PATH or PATH:LAYER, changed in place): each feature whose\n"
-        "FIELD value matches a text in the column headed FIELD (row 1, or row 2 below a\n"
-        "title) takes the cells of that row, each into the field its column's header\n"
-        "names. Headers are compared trimmed, in upper case and cut before \"(\".\n\n"
-        "What it changes: only the fields that workbook columns go to, of the features\n"
-        "whose key has a row; a blank cell empties a text field and makes other fields\n"
-        "null. What it leaves: every other field and feature, the shapes, and a value\n"
-        "equal to what the field holds (not written, so an exported workbook joined\n"
-        "back changes nothing); columns the layer has no field for are skipped. When a\n"
-        "key has several rows, the last one is used.\n\n"
-        "  --key FIELD          the key field of the layer and header of the key column\n"
-        "  --map HEADER=FIELD   write the column headed HEADER into the field FIELD\n"
-        "  --where CLAUSE       join only into the features the clause admits\n"
-        "  --keep-going         when some values cannot be converted to their field's\n"
-        "                       type, write the rest; those fields keep their old values\n\n"
-        "Nothing is changed when WORKBOOK is no workbook (CSV, .xls, .ods, encrypted,\n"
-        "empty), lacks the key column, or none of its other columns goes to a field of\n"
-        "LAYER, nor when --map names a field LAYER lacks or a header WORKBOOK lacks. A\n"
-        "value that cannot be converted to its field's type (a word or 20200000000 for a\n"
-        "32-bit integer, 45000 for a date, a text longer than a shapefile's field) is\n"
-        "never written as null: without --keep-going the whole join is undone.\n\n"
-        "The join is one edit operation: one transaction where the format has them\n"
-        "(GeoPackage); elsewhere (shapefile) the old values are kept and written back if\n"
-        "it fails. Ctrl-C or SIGTERM during the join undoes it and leaves LAYER as it was\n"
-        "(exit status 130). Long joins show their progress on a terminal.\n\n"
-        "Afterwards standard error gives the counts: features joined, features with no\n"
-        "row, workbook rows that matched no feature, duplicate keys, values written,\n"
-        "unchanged and not convertible (with the first few of these).\n\n"
-        "Exit status 1 when the layer cannot be opened for update or lacks FIELD, the\n"
-        "workbook is refused, values could not be converted (without --keep-going) or\n"
-        "the edit cannot be made; 2 for wrong usage, --map naming a missing field too.");
-    command.run = runJoin;
-    return command;
 }

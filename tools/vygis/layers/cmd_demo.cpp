@@ -1,4 +1,5 @@
 #include "command.h"
+#include "commandruns.h"
 #include "demo.h"
 
 #include <QCoreApplication>
@@ -43,7 +44,7 @@ bool markAsDemoFolder(const QDir& out)
         && mark.write("This folder holds the output of 'vygis demo', which may replace its files.\n") > 0;
 }
 
-int runDemo(const QString& samples, const QString& output)
+int runDemoOn(const QString& samples, const QString& output)
 {
     if (!QFileInfo(samples + QStringLiteral("/cities.xlsx")).isFile()) {
         printError(QStringLiteral("vygis demo: sample data not found in %1").arg(samples));
@@ -83,30 +84,18 @@ int runDemo(const QString& samples, const QString& output)
 
 } // namespace
 
-Command demoCommand()
+int runDemo(const QStringList& arguments)
 {
-    Command command;
-    command.name = QStringLiteral("demo");
-    command.summary = QStringLiteral("run the library's jobs on the bundled sample data");
-    command.usage = QStringLiteral(
-        "Usage: vygis demo [OUTPUT_FOLDER] [--samples FOLDER]\n\n"
-        "Runs the library on the sample data bundled with the project and writes every\n"
-        "result into OUTPUT_FOLDER (default: vygis-demo-output in the current folder),\n"
-        "then prints what each file holds. OUTPUT_FOLDER must be new, empty or made by an\n"
-        "earlier demo: the demo never writes among other files.");
-    command.run = [](const QStringList& arguments) {
-        QString output = QStringLiteral("vygis-demo-output");
-        QString samples;
-        for (int i = 0; i < arguments.size(); ++i) {
-            if (arguments[i] == QStringLiteral("--samples") && i + 1 < arguments.size())
-                samples = arguments[++i];
-            else if (arguments[i].startsWith(QLatin1Char('-'))) {
-                printError(QStringLiteral("vygis demo: unknown option %1").arg(arguments[i]));
-                return int(ExitUsage);
-            } else
-                output = arguments[i];
-        }
-        return runDemo(findSamples(samples), output);
-    };
-    return command;
+    QString output = QStringLiteral("vygis-demo-output");
+    QString samples;
+    for (int i = 0; i < arguments.size(); ++i) {
+        if (arguments[i] == QStringLiteral("--samples") && i + 1 < arguments.size())
+            samples = arguments[++i];
+        else if (arguments[i].startsWith(QLatin1Char('-'))) {
+            printError(QStringLiteral("vygis demo: unknown option %1").arg(arguments[i]));
+            return ExitUsage;
+        } else
+            output = arguments[i];
+    }
+    return runDemoOn(findSamples(samples), output);
 }

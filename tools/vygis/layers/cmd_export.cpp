@@ -1,5 +1,6 @@
 #include "arguments.h"
 #include "command.h"
+#include "commandruns.h"
 #include "export/attributeexports.h"
 #include "filesafety.h"
 #include "layersource.h"
@@ -97,6 +98,8 @@ QStringList fieldNames(const TsFeatureLayer& layer)
     return names;
 }
 
+} // namespace
+
 int runExport(const QStringList& arguments)
 {
     const QString name = QStringLiteral("export");
@@ -181,66 +184,4 @@ int runExportTable(const QStringList& arguments)
                                            [&] { return rowCount(*table); }));
     }
     return ExitSuccess;
-}
-
-} // namespace
-
-Command exportCommand()
-{
-    Command command;
-    command.name = QStringLiteral("export");
-    command.summary = QStringLiteral("export a layer's attributes to a workbook");
-    command.usage = QStringLiteral(
-        "Usage: vygis export LAYER WORKBOOK [--alias] [--exclude COLUMN,...]\n"
-        "                    [--where CLAUSE] [--text]\n"
-        "       vygis export LAYER WORKBOOK --columns NAME,... [--alias]\n"
-        "                    [--exclude COLUMN,...] [--text]\n\n"
-        "Writes the features of LAYER (PATH or PATH:LAYER) to a new WORKBOOK: a title row\n"
-        "\"<layer>_attribute table\", a header row of field names, then one row per feature.\n"
-        "Values are typed cells, ready to compute with: numbers keep their exact value (a\n"
-        "boolean field gives 0 and 1), dates and date-times are date cells (times in UTC),\n"
-        "NULL is an empty cell, text stays text. Written as text, since a number cell cannot\n"
-        "hold them exactly: 64-bit integers beyond 2^53 (9007199254740992), NaN, infinities.\n"
-        "A workbook already at WORKBOOK is replaced once the new one is complete; any other\n"
-        "file (a GeoPackage, a CSV, an .xls or encrypted workbook, ...) is left alone unless\n"
-        "--overwrite is given, and WORKBOOK may never be LAYER's own file.\n\n"
-        "  --alias               head each column NAME(alias)\n"
-        "  --exclude COLUMN,...  leave out columns, by 0-based position or by name (with\n"
-        "                        --columns: positions in that list); a position or name\n"
-        "                        that is not a column is refused\n"
-        "  --where CLAUSE        export only the features the clause admits, one\n"
-        "                        comparison such as \"POP > 10\" or \"NAME = 'Paris'\"\n"
-        "  --columns NAME,...    a plain sheet of a point layer, one column per NAME: X,\n"
-        "                        Y and Z give the point's coordinates, other names a\n"
-        "                        field's values\n"
-        "  --overwrite           replace WORKBOOK even when it is not a workbook\n"
-        "  --text                write every value as a text cell instead, a number as\n"
-        "                        the shortest text that reads back as the same number\n\n"
-        "Lists are separated by commas; an option given again adds to its list. The old\n"
-        "form --columns X Y Z, after LAYER and WORKBOOK, is still read.\n\n"
-        "Long exports show their progress on a terminal. Exit status 1 when the layer\n"
-        "cannot be opened or the workbook is refused or not saved; the message says why.");
-    command.run = runExport;
-    return command;
-}
-
-Command exportTableCommand()
-{
-    Command command;
-    command.name = QStringLiteral("export-table");
-    command.summary = QStringLiteral("export an attribute table to a workbook");
-    command.usage = QStringLiteral(
-        "Usage: vygis export-table TABLE WORKBOOK [--overwrite] [--text]\n\n"
-        "Writes every row of TABLE (PATH or PATH:LAYER: the attributes of any layer, a\n"
-        "CSV file, a GeoPackage table or a spatial layer) to a new WORKBOOK below the title\n"
-        "\"<table>_attribute table\" and a header of field names. Values are typed cells,\n"
-        "as in 'vygis export'. WORKBOOK is protected as in 'vygis export': only a workbook\n"
-        "is replaced unless --overwrite is given, never TABLE's own file.\n\n"
-        "  --overwrite  replace WORKBOOK even when it is not a workbook\n"
-        "  --text       write every value as a text cell instead, a number as the shortest\n"
-        "               text that reads back as the same number\n\n"
-        "Exit status 1 when the table cannot be opened or the workbook is refused or not\n"
-        "saved; the message says why.");
-    command.run = runExportTable;
-    return command;
 }

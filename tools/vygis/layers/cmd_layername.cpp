@@ -1,5 +1,6 @@
 #include "arguments.h"
 #include "command.h"
+#include "commandruns.h"
 #include "layersource.h"
 #include "tsqtext.h"
 #include "vygisutil.h"
@@ -9,6 +10,8 @@ using namespace VyObjects;
 namespace {
 
 const QString commandName = QStringLiteral("layer-name");
+
+} // namespace
 
 int runLayerName(const QStringList& arguments)
 {
@@ -27,21 +30,4 @@ int runLayerName(const QStringList& arguments)
     VyUniversalFunction::setLayerName(map.get(), layer);
     printLine(toQString(layer->GetLayerName()));
     return ExitSuccess;
-}
-
-} // namespace
-
-Command layerNameCommand()
-{
-    Command command;
-    command.name = commandName;
-    command.summary = QStringLiteral("a unique name for a layer added to a data source's map");
-    command.usage = QStringLiteral(
-        "Usage: vygis layer-name SOURCE NAME\n\n"
-        "Prints the name a layer called NAME gets when it is added to a map of the layers\n"
-        "of the data source SOURCE: NAME itself when no layer is called so (ignoring\n"
-        "case), otherwise NAME-n with n one above the highest number in use (roads,\n"
-        "roads-1, roads-2, ...). Exit status 1 when SOURCE cannot be opened.");
-    command.run = runLayerName;
-    return command;
 }

@@ -1,5 +1,6 @@
 #include "arguments.h"
 #include "command.h"
+#include "commandruns.h"
 #include "elevationnodata.h"
 #include "filesafety.h"
 #include "pointfile.h"
@@ -50,6 +51,8 @@ TsRefPtr<TsRasterProps> openBand(const QString& path, int band, QString* error)
     return dem ? dem->raster(band, error) : TsRefPtr<TsRasterProps>();
 }
 
+} // namespace
+
 int runElevation(const QStringList& arguments)
 {
     Arguments parsed;
@@ -97,41 +100,4 @@ int runElevation(const QStringList& arguments)
         return failure(commandName, error + QStringLiteral("; the report is removed"));
     }
     return ExitSuccess;
-}
-
-} // namespace
-
-Command elevationCommand()
-{
-    Command command;
-    command.name = commandName;
-    command.summary = QStringLiteral("look up the elevations of points in a DEM");
-    command.usage = QStringLiteral(
-        "Usage: vygis elevation POINTS DEM WORKBOOK [--band N] [--overwrite]\n\n"
-        "Looks up each point of POINTS in band N (default 1) of the raster DEM and writes\n"
-        "a new WORKBOOK: the point's number in its group, \"x,y\" and its elevation with\n"
-        "four decimals (below 0 written as 0.0000). A point outside the raster, or on a\n"
-        "cell that holds no value (the band's no-data value, a masked cell, NaN), gets\n"
-        "\"Not within the range of Dem data!\" instead. Coordinates are in the raster's\n"
-        "coordinate system.\n\n"
-        "POINTS is a workbook (.xlsx: its cells read as x, y pairs row by row; a table\n"
-        "three columns wide, number, x, y, leaves its first column out) or a text file,\n"
-        "its fields separated by commas, semicolons, tabs or spaces:\n"
-        "  - two numbers are a point x, y; three numbers are id, x, y (the id is not\n"
-        "    kept: points are numbered within their group);\n"
-        "  - a line whose first field is not a number is a heading that starts a new\n"
-        "    group;\n"
-        "  - the first line is a column header, passed over (standard error says so),\n"
-        "    when it holds names separated by commas, semicolons or tabs (X,Y or\n"
-        "    id;lon;lat), as many as the point line after it has numbers;\n"
-        "  - any other line starting with a number (\"12.5,abc\", or 12,5;48,3 written\n"
-        "    with decimal commas) is skipped; standard error tells how many and which;\n"
-        "  - empty lines and lines from \"#\" are comments.\n\n"
-        "A workbook at WORKBOOK is replaced once the new one is complete; any other file\n"
-        "(a GeoPackage, a CSV, ...) is left alone unless --overwrite is given, and\n"
-        "WORKBOOK may never be POINTS or DEM. Exit status 1 when WORKBOOK is refused, the\n"
-        "points or the raster cannot be read, or the workbook is not saved; the message\n"
-        "says why.");
-    command.run = runElevation;
-    return command;
 }

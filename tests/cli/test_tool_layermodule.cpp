@@ -1,0 +1,108 @@
+#include "clitesting.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QMap>
+
+// The commands that read or write layers live in a module the tool loads only to run
+// one of them: the other commands, and the help of all, start without GDAL.
+class ToolLayerModule : public ToolTest
+{
+protected:
+    // Runs program (the tool, or a copy of it) with extra variables in its environment.
+    static ToolRun run(const QString& program, const QStringList& arguments,
+                       const QMap<QString, QString>& variables = {})
+    {
+        QProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.remove(QStringLiteral("DISPLAY"));
+        environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
+        for (auto variable = variables.cbegin(); variable != variables.cend(); ++variable)
+            environment.insert(variable.key(), variable.value());
+        process.setProcessEnvironment(environment);
+        process.start(program, arguments);
+        if (!process.waitForFinished(120000) || process.exitStatus() != QProcess::NormalExit)
+            return {};
+        return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+                QString::fromUtf8(process.readAllStandardError())};
+    }
+
+    // The files the dynamic loader opened for a run of the tool, as glibc's loader
+    // lists them on standard error when asked.
+    static QString filesLoadedBy(const QStringList& arguments)
+    {
+        return run(QStringLiteral(VYGIS_TOOL), arguments, {{QStringLiteral("LD_DEBUG"), QStringLiteral("files")}})
+            .err;
+    }
+
+    // Where the module is seen from the tool's folder, the same wherever the tool is.
+    static QString moduleFromToolFolder()
+    {
+        return QFileInfo(QStringLiteral(VYGIS_TOOL)).dir().relativeFilePath(QStringLiteral(VYGIS_LAYER_MODULE_FILE));
+    }
+};
+
+TEST_F(ToolLayerModule, OnlyTheLayerCommandsLoadGdal)
+{
+#ifndef Q_OS_LINUX
+    GTEST_SKIP() << "reads what the GNU dynamic loader reports";
+#endif
+    const QString exported = file(QStringLiteral("cities.xlsx"));
+    const QString layerRun = filesLoadedBy({QStringLiteral("export"), sample(QStringLiteral("cities.geojson")), exported});
+    if (!layerRun.contains(QStringLiteral("file=")))
+        GTEST_SKIP() << "this dynamic loader does not list the files it loads";
+    EXPECT_TRUE(layerRun.contains(QStringLiteral("libgdal"))) << layerRun.toStdString();
+    EXPECT_TRUE(layerRun.contains(QFileInfo(QStringLiteral(VYGIS_LAYER_MODULE_FILE)).fileName()));
+
+    const QList<QStringList> runsWithoutLayers{
+        {QStringLiteral("--version")},
+        {QStringLiteral("--help")},
+        {QStringLiteral("export"), QStringLiteral("--help")},
+        {QStringLiteral("demo"), QStringLiteral("--version")},
+        {QStringLiteral("dump"), exported},
+        {QStringLiteral("rules"), sample(QStringLiteral("check-rules.xlsx"))}};
+    for (const QStringList& arguments : runsWithoutLayers) {
+        const QString loaded = filesLoadedBy(arguments);
+        EXPECT_TRUE(loaded.contains(QStringLiteral("libQt5Core"))) << arguments.join(' ').toStdString();
+        EXPECT_FALSE(loaded.contains(QStringLiteral("libgdal"))) << arguments.join(' ').toStdString();
+        EXPECT_FALSE(loaded.contains(QStringLiteral("vygisutil-gdal"))) << arguments.join(' ').toStdString();
+    }
+}
+
+TEST_F(ToolLayerModule, AModuleThatCannotBeLoadedFailsTheLayerCommandsOnly)
+{
+#ifdef Q_OS_WIN
+    GTEST_SKIP() << "a copy of the program finds its DLLs only beside the original";
+#endif
+    // A copy of the tool in a folder of its own, so that the module is where the test
+    // puts it, or nowhere.
+    const QString tool = file(QStringLiteral("bin/") + QFileInfo(QStringLiteral(VYGIS_TOOL)).fileName());
+    const QString module = QDir::cleanPath(file(QStringLiteral("bin/")) + moduleFromToolFolder());
+    ASSERT_TRUE(QDir().mkpath(file(QStringLiteral("bin"))) && QDir().mkpath(QFileInfo(module).path()));
+    ASSERT_TRUE(QFile::copy(QStringLiteral(VYGIS_TOOL), tool));
+    const QStringList exportCities{QStringLiteral("export"), sample(QStringLiteral("cities.geojson")),
+                                   file(QStringLiteral("cities.xlsx"))};
+    const QString cannotLoad = QStringLiteral("vygis export: cannot load the layer commands from %1: ")
+                                   .arg(QDir::toNativeSeparators(module));
+
+    const ToolRun missing = run(tool, exportCities);
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_TRUE(missing.err.startsWith(cannotLoad)) << missing.err.toStdString();
+    EXPECT_EQ(missing.err, cannotLoad + QStringLiteral("no such file\n"));
+
+    writeBytes(module, QByteArray("not a library\n"));
+    const ToolRun broken = run(tool, exportCities);
+    EXPECT_EQ(broken.status, 1);
+    EXPECT_TRUE(broken.err.startsWith(cannotLoad)) << broken.err.toStdString();
+    EXPECT_GT(broken.err.size(), cannotLoad.size() + 1) << "the reason follows";
+    EXPECT_FALSE(QFile::exists(file(QStringLiteral("cities.xlsx"))));
+
+    const ToolRun dump = run(tool, {QStringLiteral("dump"), sample(QStringLiteral("cities.xlsx"))});
+    EXPECT_EQ(dump.status, 0) << dump.err.toStdString();
+    EXPECT_EQ(dump.out, vygis({QStringLiteral("dump"), sample(QStringLiteral("cities.xlsx"))}).out);
+
+    ASSERT_TRUE(QFile::remove(module) && QFile::copy(QStringLiteral(VYGIS_LAYER_MODULE_FILE), module));
+    const ToolRun found = run(tool, exportCities);
+    EXPECT_EQ(found.status, 0) << found.err.toStdString();
+    EXPECT_TRUE(QFile::exists(file(QStringLiteral("cities.xlsx"))));
+}
