@@ -76,7 +76,7 @@ TEST(PieceDeflater, PiecesJoinIntoOneStreamWithEitherLibrary)
         PieceDeflater deflater(library);
         QByteArray stream;
         QByteArray expected;
-        std::vector<char> out;
+        PieceDeflater::Output out;
         for (const QByteArray& piece : pieces) {
             size_t size = 0;
             ASSERT_TRUE(deflater.deflate(piece.constData(), size_t(piece.size()), out, &size));

@@ -22,7 +22,7 @@ struct PieceDeflater::Zlib
             deflateEnd(&z);
     }
 
-    bool deflate(const char* data, size_t size, std::vector<char>& out, size_t* outSize)
+    bool deflate(const char* data, size_t size, Output& out, size_t* outSize)
     {
         if (!ready || deflateReset(&z) != Z_OK)
             return false;
@@ -58,7 +58,7 @@ struct PieceDeflater::Isal
 
     std::vector<unsigned char> levelBuffer = std::vector<unsigned char>(ISAL_DEF_LVL2_DEFAULT);
 
-    bool deflate(const char* data, size_t size, std::vector<char>& out, size_t* outSize)
+    bool deflate(const char* data, size_t size, Output& out, size_t* outSize)
     {
         // Stateless deflate needs room for all of it: at worst the data as stored blocks
         // of at most 64 KiB, 5 bytes of header each, then the flush.
@@ -103,7 +103,7 @@ PieceDeflater::PieceDeflater(Library library)
 
 PieceDeflater::~PieceDeflater() = default;
 
-bool PieceDeflater::deflate(const char* data, size_t size, std::vector<char>& out, size_t* outSize)
+bool PieceDeflater::deflate(const char* data, size_t size, Output& out, size_t* outSize)
 {
 #if defined(VYGIS_XLSX_HAVE_ISAL)
     // Pieces are far below 4 GiB; ISA-L counts in 32 bits.

@@ -71,7 +71,7 @@ struct ZipWriter::Piece
     enum Kind { Begin, Data, End, Finish } kind = Data;
     QByteArray name;                // Begin
     std::vector<char> input;        // Data: the bytes as given
-    std::vector<char> output;       // Data: deflated, ending with a sync flush, in the
+    PieceDeflater::Output output;   // Data: deflated, ending with a sync flush, in the
     size_t outputSize = 0;          // first outputSize bytes (the buffer is reused whole)
     quint32 crc = 0;                // Data: CRC-32 of input
     bool failed = false;
@@ -261,7 +261,7 @@ void ZipWriter::submit(std::unique_ptr<Piece> piece)
     }
     // Enough pieces in flight to keep every compressor busy while the caller fills the
     // next one; beyond that the caller waits, so memory stays flat.
-    emitReady(c.threads.size() * 2 + 2);
+    emitReady(c.threads.size() + 2);
 }
 
 // Writes the pieces at the front that are ready, waiting while more than keepAtMost
@@ -283,7 +283,7 @@ void ZipWriter::emitReady(size_t keepAtMost)
         lock.unlock();
         writePiece(*piece);
         lock.lock();
-        if (piece->kind == Piece::Data && c.spare.size() < c.threads.size() * 2 + 2) {
+        if (piece->kind == Piece::Data && c.spare.size() < c.threads.size() + 2) {
             piece->ready = false;
             piece->failed = false;
             c.spare.push_back(std::move(piece));
