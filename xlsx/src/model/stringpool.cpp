@@ -233,11 +233,27 @@ void StringPool::pushEntry(quint64 offset)
 {
     const quint32 index = m_count;
     if ((index & (EntryChunkSize - 1)) == 0)
-        m_entryChunks.emplace_back(new quint32[EntryChunkSize]);
+        addEntryChunk();
     if ((index & ((quint32(1) << GroupBits) - 1)) == 0)
         m_groupStarts.push_back(offset);
     m_entryChunks.back()[index & (EntryChunkSize - 1)] = quint32(offset - m_groupStarts.back());
     ++m_count;
+}
+
+// A small table takes a chunk at a time; past two chunks they come a large page's worth
+// at once, since first touches of 4 KiB pages were a tenth of reading the shared strings.
+void StringPool::addEntryChunk()
+{
+    constexpr size_t ChunkBytes = EntryChunkSize * sizeof(quint32);
+    constexpr size_t ChunksPerBlock = LargePageSize / ChunkBytes;
+    constexpr size_t SingleChunks = 2;
+    const size_t chunk = m_entryChunks.size();
+    const size_t inBlock = chunk < SingleChunks ? 0 : (chunk - SingleChunks) % ChunksPerBlock;
+    if (inBlock == 0) {
+        const size_t bytes = chunk < SingleChunks ? ChunkBytes : LargePageSize;
+        m_entryBlocks.push_back({static_cast<char*>(allocateLarge(bytes)), bytes});
+    }
+    m_entryChunks.push_back(reinterpret_cast<quint32*>(m_entryBlocks.back().data + inBlock * ChunkBytes));
 }
 
 // Stores a text with its length in front and gives the offset of the length.
@@ -342,6 +358,9 @@ void StringPool::clear()
     m_chunks.clear();
     m_used = 0;
     m_longest = 0;
+    for (const Block& block : m_entryBlocks)
+        freeLarge(block.data, block.bytes);
+    m_entryBlocks.clear();
     m_groupStarts.clear();
     m_entryChunks.clear();
     m_count = 0;

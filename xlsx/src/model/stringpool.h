@@ -68,6 +68,7 @@ private:
     quint32 insert(const char* utf8, int size, quint32 hash);
     quint64 store(const char* utf8, int size);
     void pushEntry(quint64 offset);
+    void addEntryChunk();
     quint64 offsetOf(quint32 index) const
     {
         return m_groupStarts[index >> GroupBits]
@@ -107,7 +108,8 @@ private:
     static constexpr int EntryChunkBits = 16;
     static constexpr quint32 EntryChunkSize = quint32(1) << EntryChunkBits;
     std::vector<quint64> m_groupStarts;
-    std::vector<std::unique_ptr<quint32[]>> m_entryChunks;
+    std::vector<quint32*> m_entryChunks;
+    std::vector<Block> m_entryBlocks;   // the first chunks alone, then large pages of them
     quint32 m_count = 0;
     // The recently added texts, direct mapped by hash: a slot holds the entry's hash
     // above its index + 1 (0 = free), so a miss never looks at a text. Small enough to
