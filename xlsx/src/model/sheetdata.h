@@ -23,16 +23,21 @@ enum CellFlags : quint8 {
     CellFormulaString = 2,     // the cached result of the formula is text (t="str")
 };
 
+// 40 bytes: a sheet of short rows has nearly as many rows as cells.
 struct RowRecord
 {
     int row = 0;               // 1-based
+    quint32 style : 30;        // the row's own format, with customFormat; a style table
+                               // is far shorter than 2^30 records
+    quint32 customFormat : 1;
+    quint32 hidden : 1;
     double height = 0;         // points; 0 = the sheet's default height
-    quint32 style = 0;         // the row's own format, with customFormat
-    bool customFormat = false;
-    bool hidden = false;
     QByteArray extraAttributes;   // attributes of <row> kept as read (outlineLevel, ...)
     CellList cells;            // sorted by column, in the sheet's cellArena
+
+    RowRecord() : style(0), customFormat(false), hidden(false) {}
 };
+static_assert(sizeof(RowRecord) <= 40, "rows are kept by the million");
 
 struct ColumnRecord
 {
