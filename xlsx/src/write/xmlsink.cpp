@@ -88,15 +88,22 @@ char* writeUInt(char* out, quint64 value)
 }
 
 XmlSink::XmlSink(Drain drain)
-    : m_drain(std::move(drain)), m_buffer(new char[Capacity])
+    : m_drain(std::move(drain))
 {
-    m_pos = m_buffer.get();
-    m_end = m_pos + Capacity;
+    startBuffer();
 }
 
 XmlSink::XmlSink(ZipWriter& zip)
-    : XmlSink([&zip](const char* data, qint64 size) { return zip.write(data, size); })
+    : m_zip(&zip)
 {
+    startBuffer();
+}
+
+void XmlSink::startBuffer()
+{
+    m_buffer.resize(m_zip ? ZipWriter::PieceSize : Capacity);
+    m_pos = m_buffer.data();
+    m_end = m_pos + m_buffer.size();
 }
 
 XmlSink::XmlSink(QByteArray& target)
@@ -109,10 +116,10 @@ XmlSink::XmlSink(QByteArray& target)
 
 bool XmlSink::flush()
 {
-    const qint64 used = m_pos - m_buffer.get();
+    const qint64 used = m_pos - m_buffer.data();
     if (used > 0 && m_ok)
-        m_ok = m_drain(m_buffer.get(), used);
-    m_pos = m_buffer.get();
+        m_ok = m_zip ? m_zip->write(m_buffer, size_t(used)) : m_drain(m_buffer.data(), used);
+    startBuffer();
     return m_ok;
 }
 

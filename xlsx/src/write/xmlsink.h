@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zip/zipwriter.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -9,11 +11,10 @@
 
 namespace QXlsx::detail {
 
-class ZipWriter;
-
 // The output of a part generator: a fixed buffer that is handed on (to a zip entry, or
 // to a QByteArray in tests) whenever it fills, so that a part of any size costs the same
-// memory and the hot loops append with a bounds check and a memcpy, nothing more.
+// memory and the hot loops append with a bounds check and a memcpy, nothing more. For a
+// zip entry the buffer is a whole piece of it, handed to the zip writer without a copy.
 class XmlSink
 {
 public:
@@ -85,8 +86,11 @@ private:
     void appendEscaped(const char* utf8, size_t size, bool attribute);
     void appendUnitEscape(unsigned unit);
 
+    void startBuffer();
+
     Drain m_drain;
-    std::unique_ptr<char[]> m_buffer;
+    ZipWriter* m_zip = nullptr;
+    ZipWriter::Buffer m_buffer;
     char* m_pos = nullptr;
     char* m_end = nullptr;
     bool m_ok = true;
