@@ -6,6 +6,7 @@
 #include "vygisutil.h"
 
 #include <QFile>
+#include <QMap>
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QStringList>
@@ -42,6 +43,19 @@ inline QByteArray compoundDocument(const QStringList& streams)
     return bytes.leftJustified(4096, '\0');
 }
 
+// An OpenDocument spreadsheet as far as its first bytes tell, under any name.
+inline void writeOpenDocumentSpreadsheet(const QString& path)
+{
+    ASSERT_EQ(QProcess::execute(QStringLiteral("python3"),
+                                {QStringLiteral("-c"),
+                                 QStringLiteral("import sys, zipfile\n"
+                                                "with zipfile.ZipFile(sys.argv[1], 'w') as z:\n"
+                                                "    z.writestr('mimetype', 'application/vnd.oasis.opendocument.spreadsheet')\n"
+                                                "    z.writestr('content.xml', '<office:document-content/>')\n"),
+                                 path}),
+              0);
+}
+
 struct ToolRun
 {
     int status = -1;
@@ -52,21 +66,30 @@ struct ToolRun
 class ToolTest : public ::testing::Test
 {
 protected:
-    // Runs vygis without a display, so that it reports on its error stream.
-    static ToolRun vygis(const QStringList& arguments, const QByteArray& input = QByteArray())
+    // Runs program without a display, so that it reports on its error stream, with extra
+    // variables in its environment.
+    static ToolRun runProgram(const QString& program, const QStringList& arguments,
+                              const QMap<QString, QString>& variables = {}, const QByteArray& input = {})
     {
         QProcess process;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.remove(QStringLiteral("DISPLAY"));
         environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
+        for (auto variable = variables.cbegin(); variable != variables.cend(); ++variable)
+            environment.insert(variable.key(), variable.value());
         process.setProcessEnvironment(environment);
-        process.start(QStringLiteral(VYGIS_TOOL), arguments);
+        process.start(program, arguments);
         process.write(input);
         process.closeWriteChannel();
         if (!process.waitForFinished(120000) || process.exitStatus() != QProcess::NormalExit)
             return {};
         return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
                 QString::fromUtf8(process.readAllStandardError())};
+    }
+
+    static ToolRun vygis(const QStringList& arguments, const QByteArray& input = QByteArray())
+    {
+        return runProgram(QStringLiteral(VYGIS_TOOL), arguments, {}, input);
     }
 
     static QString sample(const QString& name)

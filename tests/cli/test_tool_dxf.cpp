@@ -58,16 +58,6 @@ protected:
         return out.fileName();
     }
 
-    static ToolRun run(const QString& program, const QStringList& arguments)
-    {
-        QProcess process;
-        process.start(program, arguments);
-        if (!process.waitForFinished(120000) || process.exitStatus() != QProcess::NormalExit)
-            return {};
-        return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-                QString::fromUtf8(process.readAllStandardError())};
-    }
-
     // Runs the tool where permissions count: as an unprivileged user when the tests run
     // as root, who may write anything. Empty when no such run can be made.
     QStringList asUnprivilegedUser(const QStringList& arguments) const
@@ -81,7 +71,7 @@ protected:
         const QStringList nobody{QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
                                  QStringLiteral("--clear-groups"), QStringLiteral(VYGIS_TOOL)};
         // The build may stand in a folder that only root may enter.
-        if (run(setpriv, nobody + QStringList{QStringLiteral("--version")}).status != 0)
+        if (runProgram(setpriv, nobody + QStringList{QStringLiteral("--version")}).status != 0)
             return {};
         QFile::setPermissions(QFileInfo(file(QStringLiteral("x"))).absolutePath(), QFileDevice::Permissions(0x7777));
         return QStringList{setpriv} + nobody + arguments;
@@ -199,9 +189,9 @@ TEST_F(ToolDxf, AFailedWriteLeavesTheDrawingAsItWas)
         const QString parent = QFileInfo(c.path).absolutePath();
         QFile::setPermissions(c.path, c.file);
         QFile::setPermissions(parent, c.folder);
-        const ToolRun result = run(QStringLiteral("/bin/sh"),
-                                   QStringList{QStringLiteral("-c"), c.shellSetup + QStringLiteral("exec \"$@\""),
-                                               QStringLiteral("sh")} + command);
+        const ToolRun result = runProgram(QStringLiteral("/bin/sh"),
+                                          QStringList{QStringLiteral("-c"), c.shellSetup + QStringLiteral("exec \"$@\""),
+                                                      QStringLiteral("sh")} + command);
         QFile::setPermissions(parent, QFileDevice::Permissions(0x7700));
         EXPECT_EQ(result.status, 1);
         EXPECT_TRUE(result.err.contains(c.path + QStringLiteral(": "))) << result.err.toStdString();

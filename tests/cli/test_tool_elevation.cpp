@@ -5,7 +5,6 @@
 
 #include "tsgdal.h"
 
-#include <QDir>
 #include <QFile>
 
 namespace {
@@ -36,12 +35,6 @@ protected:
         EXPECT_TRUE(text.open(QIODevice::WriteOnly));
         text.write(content);
         return file(name);
-    }
-
-    static QByteArray bytes(const QString& path)
-    {
-        QFile read(path);
-        return read.open(QIODevice::ReadOnly) ? read.readAll() : QByteArray("(unreadable)");
     }
 
     ToolRun elevation(const QByteArray& points, const QStringList& more = {})
@@ -120,32 +113,25 @@ TEST_F(ToolElevation, FileWithoutAPointLineIsRefused)
     EXPECT_FALSE(QFile::exists(file(QStringLiteral("report.xlsx"))));
 }
 
+// Folders, GeoPackages and --overwrite are the shared safety table's; these refusals are
+// elevation's own.
 TEST_F(ToolElevation, RefusedOutputsAreLeftByteForByte)
 {
     const QString points = textFile(QStringLiteral("points.txt"), "5 15\n");
     const QString raster = dem();
-    QString error;
-    const TsRefPtr<TsGdalDataSource> source = TsGdalDataSource::create(file(QStringLiteral("roads.gpkg")), &error);
-    ASSERT_TRUE(source && source->createLayer(QStringLiteral("roads"), TsLayer::LineLayer, {{"NAME"}}, &error))
-        << error.toStdString();
-    const QString geoPackage = source->path();
     const QString csv = textFile(QStringLiteral("heights.csv"), "NAME,HEIGHT\nA,1\n");
-    ASSERT_TRUE(QDir(file(QString())).mkdir(QStringLiteral("folder")));
     const std::vector<std::pair<QString, QString>> refused{
-        {raster, QStringLiteral("is also an input")},  {points, QStringLiteral("is also an input")},
-        {file(QStringLiteral("folder")), QStringLiteral("is a folder")},
-        {geoPackage, QStringLiteral("--overwrite")},   {csv, QStringLiteral("--overwrite")},
+        {raster, QStringLiteral("is also an input")},
+        {points, QStringLiteral("is also an input")},
+        {csv, QStringLiteral("--overwrite")},
     };
     for (const auto& [output, reason] : refused) {
-        const QByteArray before = bytes(output);
+        const QByteArray before = bytesOf(output);
         const ToolRun run = vygis({QStringLiteral("elevation"), points, raster, output});
         EXPECT_EQ(run.status, 1) << output.toStdString();
         EXPECT_TRUE(run.err.contains(output) && run.err.contains(reason)) << run.err.toStdString();
-        EXPECT_EQ(bytes(output), before) << output.toStdString();
+        EXPECT_EQ(bytesOf(output), before) << output.toStdString();
     }
-    const ToolRun replaced = vygis({QStringLiteral("elevation"), points, raster, csv, QStringLiteral("--overwrite")});
-    EXPECT_EQ(replaced.status, 0) << replaced.err.toStdString();
-    EXPECT_EQ(sheet(csv).size(), 2u);
 }
 
 TEST_F(ToolElevation, UnreadableRasterIsNamedWithTheReason)

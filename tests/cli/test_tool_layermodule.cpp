@@ -2,36 +2,17 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QMap>
 
 // The commands that read or write layers live in a module the tool loads only to run
 // one of them: the other commands, and the help of all, start without GDAL.
 class ToolLayerModule : public ToolTest
 {
 protected:
-    // Runs program (the tool, or a copy of it) with extra variables in its environment.
-    static ToolRun run(const QString& program, const QStringList& arguments,
-                       const QMap<QString, QString>& variables = {})
-    {
-        QProcess process;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.remove(QStringLiteral("DISPLAY"));
-        environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
-        for (auto variable = variables.cbegin(); variable != variables.cend(); ++variable)
-            environment.insert(variable.key(), variable.value());
-        process.setProcessEnvironment(environment);
-        process.start(program, arguments);
-        if (!process.waitForFinished(120000) || process.exitStatus() != QProcess::NormalExit)
-            return {};
-        return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-                QString::fromUtf8(process.readAllStandardError())};
-    }
-
     // The files the dynamic loader opened for a run of the tool, as glibc's loader
     // lists them on standard error when asked.
     static QString filesLoadedBy(const QStringList& arguments)
     {
-        return run(QStringLiteral(VYGIS_TOOL), arguments, {{QStringLiteral("LD_DEBUG"), QStringLiteral("files")}})
+        return runProgram(QStringLiteral(VYGIS_TOOL), arguments, {{QStringLiteral("LD_DEBUG"), QStringLiteral("files")}})
             .err;
     }
 
@@ -85,24 +66,24 @@ TEST_F(ToolLayerModule, AModuleThatCannotBeLoadedFailsTheLayerCommandsOnly)
     const QString cannotLoad = QStringLiteral("vygis export: cannot load the layer commands from %1: ")
                                    .arg(QDir::toNativeSeparators(module));
 
-    const ToolRun missing = run(tool, exportCities);
+    const ToolRun missing = runProgram(tool, exportCities);
     EXPECT_EQ(missing.status, 1);
     EXPECT_TRUE(missing.err.startsWith(cannotLoad)) << missing.err.toStdString();
     EXPECT_EQ(missing.err, cannotLoad + QStringLiteral("no such file\n"));
 
     writeBytes(module, QByteArray("not a library\n"));
-    const ToolRun broken = run(tool, exportCities);
+    const ToolRun broken = runProgram(tool, exportCities);
     EXPECT_EQ(broken.status, 1);
     EXPECT_TRUE(broken.err.startsWith(cannotLoad)) << broken.err.toStdString();
     EXPECT_GT(broken.err.size(), cannotLoad.size() + 1) << "the reason follows";
     EXPECT_FALSE(QFile::exists(file(QStringLiteral("cities.xlsx"))));
 
-    const ToolRun dump = run(tool, {QStringLiteral("dump"), sample(QStringLiteral("cities.xlsx"))});
+    const ToolRun dump = runProgram(tool, {QStringLiteral("dump"), sample(QStringLiteral("cities.xlsx"))});
     EXPECT_EQ(dump.status, 0) << dump.err.toStdString();
     EXPECT_EQ(dump.out, vygis({QStringLiteral("dump"), sample(QStringLiteral("cities.xlsx"))}).out);
 
     ASSERT_TRUE(QFile::remove(module) && QFile::copy(QStringLiteral(VYGIS_LAYER_MODULE_FILE), module));
-    const ToolRun found = run(tool, exportCities);
+    const ToolRun found = runProgram(tool, exportCities);
     EXPECT_EQ(found.status, 0) << found.err.toStdString();
     EXPECT_TRUE(QFile::exists(file(QStringLiteral("cities.xlsx"))));
 }

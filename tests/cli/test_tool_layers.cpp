@@ -1,17 +1,6 @@
-#include "clitesting.h"
-
-#include "tsgdal.h"
+#include "layertesting.h"
 
 using namespace VyObjects;
-
-namespace {
-
-QString text(const TsVariant& value)
-{
-    return QString::fromStdWString(value.ToString().toStdWString());
-}
-
-} // namespace
 
 class ToolLayers : public ToolTest
 {
@@ -19,37 +8,9 @@ protected:
     // A GeoPackage layer of three countries whose capitals and continents are still empty.
     QString countriesPackage()
     {
-        const QString path = file(QStringLiteral("countries.gpkg"));
-        QString error;
-        const TsRefPtr<TsGdalDataSource> source = TsGdalDataSource::create(path, &error);
-        const std::vector<TsGdalFieldDefinition> fields{
-            {QStringLiteral("name")}, {QStringLiteral("capital")}, {QStringLiteral("continent")}};
-        EXPECT_TRUE(source && source->createLayer(QStringLiteral("countries"), TsLayer::PointLayer, fields, &error))
-            << error.toStdString();
-        const TsRefPtr<TsGdalFeatureWriter> writer = source->featureWriter(QStringLiteral("countries"), &error);
-        for (const char* name : {"France", "Kenya", "Chile"})
-            writer->addFeature({TsVariant(TsString(name))}, TsRefPtr<TsGeoPoint>::create(0.0, 0.0));
-        EXPECT_TRUE(writer->commit(&error)) << error.toStdString();
-        return path;
-    }
-
-    // The value of field of every feature of the layer at address, in order.
-    static QStringList values(const QString& path, const char* field)
-    {
-        QString error;
-        const TsRefPtr<TsGdalDataSource> source = TsGdalDataSource::open(path, TsGdalDataSource::ReadOnly, &error);
-        const TsRefPtr<TsFeatureLayer> layer = source ? source->featureLayer(QString(), &error) : nullptr;
-        QStringList texts;
-        const TsRefPtr<TsFeatureCursor> cursor = layer ? layer->GetFeatureCursor(TsQueryFilter()) : nullptr;
-        while (cursor) {
-            const TsRefPtr<TsFeature> feature = cursor->NextFeature();
-            if (!feature)
-                break;
-            TsVariant value;
-            feature->GetValue(TsString(field), value);
-            texts.append(text(value));
-        }
-        return texts;
+        return pointLayer(file(QStringLiteral("countries.gpkg")), QStringLiteral("countries"),
+                          {{QStringLiteral("name")}, {QStringLiteral("capital")}, {QStringLiteral("continent")}},
+                          {{TsString("France")}, {TsString("Kenya")}, {TsString("Chile")}});
     }
 };
 
@@ -124,8 +85,8 @@ TEST_F(ToolLayers, JoinWritesWorkbookColumnsIntoTheLayer)
                                package + QStringLiteral(":countries"), QStringLiteral("--key"), QStringLiteral("name"),
                                QStringLiteral("--map"), QStringLiteral("CAPITAL CITY=capital")});
     EXPECT_EQ(run.status, 0) << run.err.toStdString();
-    EXPECT_EQ(values(package, "capital"), (QStringList{QStringLiteral("Paris"), QStringLiteral("Nairobi"), QString()}));
-    EXPECT_EQ(values(package, "continent"), (QStringList{QStringLiteral("Europe"), QStringLiteral("Africa"), QString()}));
+    EXPECT_EQ(layerValues(package, "capital"), (QStringList{"Paris", "Nairobi", "<null>"}));
+    EXPECT_EQ(layerValues(package, "continent"), (QStringList{"Europe", "Africa", "<null>"}));
 }
 
 TEST_F(ToolLayers, JoinWithoutKeyColumnWarnsAndChangesNothing)
@@ -135,7 +96,7 @@ TEST_F(ToolLayers, JoinWithoutKeyColumnWarnsAndChangesNothing)
                                QStringLiteral("--key"), QStringLiteral("name")});
     EXPECT_EQ(run.status, 1);
     EXPECT_TRUE(run.err.contains(QStringLiteral("The assocation field is not consistent with the excel key field!")));
-    EXPECT_EQ(values(package, "capital"), (QStringList{QString(), QString(), QString()}));
+    EXPECT_EQ(layerValues(package, "capital"), (QStringList{"<null>", "<null>", "<null>"}));
 
     const ToolRun noField = vygis({QStringLiteral("join"), sample(QStringLiteral("country-facts.xlsx")), package,
                                    QStringLiteral("--key"), QStringLiteral("iso")});

@@ -1,9 +1,7 @@
 // What the tool's writing commands do to files they were not asked to replace: every
 // refusal leaves the file byte for byte as it was, exits 1 and names the file and why.
 
-#include "clitesting.h"
-
-#include "tsgdal.h"
+#include "layertesting.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -71,12 +69,8 @@ protected:
     QList<ForeignFile> foreignFiles()
     {
         QList<ForeignFile> files;
-        const QString package = file(QStringLiteral("survey.gpkg"));
-        QString error;
-        const auto source = TsGdalDataSource::create(package, &error);
-        EXPECT_TRUE(source && source->createLayer(QStringLiteral("plots"), TsLayer::PointLayer,
-                                                  {{QStringLiteral("owner")}}, &error)) << error.toStdString();
-        files.append({package, QStringLiteral("GeoPackage")});
+        files.append({pointLayer(file(QStringLiteral("survey.gpkg")), QStringLiteral("plots"), {{QStringLiteral("owner")}}, {}),
+                      QStringLiteral("GeoPackage")});
         writeBytes(file(QStringLiteral("renamed-csv.xlsx")), "id,name\n1,Oslo\n");
         files.append({file(QStringLiteral("renamed-csv.xlsx")), QStringLiteral("text file")});
         writeBytes(file(QStringLiteral("old.xlsx")), compoundDocument({QStringLiteral("Root Entry"), QStringLiteral("Workbook")}));
@@ -85,16 +79,8 @@ protected:
                    compoundDocument({QStringLiteral("Root Entry"), QStringLiteral("EncryptionInfo"),
                                      QStringLiteral("EncryptedPackage")}));
         files.append({file(QStringLiteral("locked.xlsx")), QStringLiteral("encrypted")});
-        const QString ods = file(QStringLiteral("calc.xlsx"));
-        EXPECT_EQ(QProcess::execute(QStringLiteral("python3"),
-                                    {QStringLiteral("-c"),
-                                     QStringLiteral("import sys, zipfile\n"
-                                                    "with zipfile.ZipFile(sys.argv[1], 'w') as z:\n"
-                                                    "    z.writestr('mimetype', 'application/vnd.oasis.opendocument.spreadsheet')\n"
-                                                    "    z.writestr('content.xml', '<office:document-content/>')\n"),
-                                     ods}),
-                  0);
-        files.append({ods, QStringLiteral("OpenDocument")});
+        writeOpenDocumentSpreadsheet(file(QStringLiteral("calc.xlsx")));
+        files.append({file(QStringLiteral("calc.xlsx")), QStringLiteral("OpenDocument")});
         writeBytes(file(QStringLiteral("empty.xlsx")), QByteArray());
         files.append({file(QStringLiteral("empty.xlsx")), QStringLiteral("empty file")});
         return files;
@@ -202,15 +188,8 @@ TEST_F(ToolSafety, TheDemoWritesOnlyIntoItsOwnFolder)
 
 TEST_F(ToolSafety, AnExportThatCutsTextsToExcelsLimitSaysSo)
 {
-    const QString package = file(QStringLiteral("notes.gpkg"));
-    QString error;
-    const auto source = TsGdalDataSource::create(package, &error);
-    ASSERT_TRUE(source && source->createLayer(QStringLiteral("notes"), TsLayer::PointLayer,
-                                              {{QStringLiteral("note")}}, &error)) << error.toStdString();
-    const auto writer = source->featureWriter(QStringLiteral("notes"), &error);
-    writer->addFeature({TsVariant(TsString(std::string(40000, 'n').c_str()))});
-    ASSERT_TRUE(writer->commit(&error)) << error.toStdString();
-
+    const QString package = pointLayer(file(QStringLiteral("notes.gpkg")), QStringLiteral("notes"), {{QStringLiteral("note")}},
+                                       {{TsString(std::string(40000, 'n').c_str())}});
     const QString workbook = file(QStringLiteral("notes.xlsx"));
     const ToolRun run = vygis({QStringLiteral("export"), package, workbook});
     EXPECT_EQ(run.status, 0) << run.err.toStdString();
@@ -244,15 +223,7 @@ protected:
                           + QLatin1Char('\''));
         const QString script = QStringLiteral("%1 exec %2 '%3' %4")
                                    .arg(setup, wrapper, QStringLiteral(VYGIS_TOOL), quoted.join(QLatin1Char(' ')));
-        QProcess shell;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.remove(QStringLiteral("DISPLAY"));
-        shell.setProcessEnvironment(environment);
-        shell.start(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), script});
-        if (!shell.waitForFinished(120000) || shell.exitStatus() != QProcess::NormalExit)
-            return {};
-        return {shell.exitCode(), QString::fromUtf8(shell.readAllStandardOutput()),
-                QString::fromUtf8(shell.readAllStandardError())};
+        return runProgram(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), script});
     }
 
     // Root may write any file; the tool then runs as nobody, in a folder nobody may

@@ -1,6 +1,5 @@
-#include "clitesting.h"
+#include "layertesting.h"
 
-#include "tsgdal.h"
 #include "tsqtext.h"
 
 using namespace VyObjects;
@@ -21,16 +20,8 @@ protected:
     // holds streetValue, and one whose streetField holds "plain".
     QString riverPackage()
     {
-        const QString path = file(QStringLiteral("rivers.gpkg"));
-        QString error;
-        const TsRefPtr<TsGdalDataSource> source = TsGdalDataSource::create(path, &error);
-        EXPECT_TRUE(source && source->createLayer(riverLayer, TsLayer::PointLayer, {{streetField}}, &error))
-            << error.toStdString();
-        const TsRefPtr<TsGdalFeatureWriter> writer = source->featureWriter(riverLayer, &error);
-        for (const QString& value : {streetValue, QStringLiteral("plain")})
-            writer->addFeature({TsVariant(toTsString(value))}, TsRefPtr<TsGeoPoint>::create(0.0, 0.0));
-        EXPECT_TRUE(writer->commit(&error)) << error.toStdString();
-        return path;
+        return pointLayer(file(QStringLiteral("rivers.gpkg")), riverLayer, {{streetField}},
+                          {{toTsString(streetValue)}, {TsString("plain")}});
     }
 };
 
