@@ -88,6 +88,37 @@ TEST(DocumentSheets, RenameAndDelete)
     EXPECT_EQ(doc.cellAt(1, 1), nullptr);
 }
 
+// The sheets of a workbook keep their cells in shared memory: thousands of small sheets,
+// some deleted and others added in their place, each keep their own values and survive
+// a save and an open.
+TEST(DocumentSheets, ThousandsOfSmallSheetsKeepTheirOwnCellsThroughDeletesAndASave)
+{
+    const int count = 3000;
+    Document doc;
+    for (int i = 0; i < count; ++i) {
+        ASSERT_TRUE(doc.addSheet(QStringLiteral("S%1").arg(i)));
+        for (int column = 1; column <= 3; ++column)
+            doc.write(1, column, QStringLiteral("%1-%2").arg(i).arg(column));
+    }
+    for (int i = 0; i < count; i += 2)
+        ASSERT_TRUE(doc.deleteSheet(QStringLiteral("S%1").arg(i)));
+    for (int i = 0; i < count; i += 2) {
+        ASSERT_TRUE(doc.addSheet(QStringLiteral("N%1").arg(i)));
+        doc.write(1, 1, -i);
+    }
+    QTemporaryDir dir;
+    ASSERT_TRUE(doc.saveAs(dir.filePath("many.xlsx")));
+    Document read(dir.filePath("many.xlsx"));
+    ASSERT_EQ(read.sheetNames().size(), count);
+    for (int i = 1; i < count; i += 2 * 97) {
+        ASSERT_TRUE(read.selectSheet(QStringLiteral("S%1").arg(i)));
+        EXPECT_EQ(read.read(1, 3), QStringLiteral("%1-3").arg(i));
+        ASSERT_TRUE(read.selectSheet(QStringLiteral("N%1").arg(i - 1)));
+        EXPECT_EQ(read.read(1, 1), QVariant(double(1 - i)));
+        EXPECT_EQ(read.cellAt(1, 2), nullptr);
+    }
+}
+
 TEST(DocumentSave, SaveWritesToTheOpenedPathAndFailsWithoutOne)
 {
     Document unnamed;

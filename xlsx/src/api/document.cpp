@@ -311,6 +311,7 @@ bool Document::deleteSheet(const QString& name)
         && d->sheets[size_t(index)]->state == AbstractSheet::SS_Visible)
         return false;
     d->sheetObjects.erase(d->sheetObjects.begin() + index);
+    d->sheets[size_t(index)]->releaseCells();
     d->sheets.erase(d->sheets.begin() + index);
     const int count = int(d->sheets.size());
     auto adjust = [&](int& position) {

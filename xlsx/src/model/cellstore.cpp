@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <utility>
 
 namespace QXlsx::detail {
@@ -18,8 +19,16 @@ constexpr size_t MaxBlockBytes = 2 * LargePageSize;
 
 CellArena::~CellArena()
 {
+    clear();
+}
+
+void CellArena::clear()
+{
     for (const Block& block : m_blocks)
         freeLarge(block.data, block.bytes, GranuleBytes);
+    m_blocks.clear();
+    m_next = m_granuleEnd = m_blockEnd = nullptr;
+    std::fill(std::begin(m_free), std::end(m_free), nullptr);
 }
 
 int CellArena::sizeClass(quint32 capacity, quint32* rounded)
@@ -39,9 +48,9 @@ int CellArena::sizeClass(quint32 capacity, quint32* rounded)
 const WorkbookData* CellArena::bookOf(const Cell* cell)
 {
     const auto granule = reinterpret_cast<quintptr>(cell) & ~quintptr(GranuleBytes - 1);
-    const WorkbookData* const* book = nullptr;
+    const WorkbookData* book = nullptr;
     std::memcpy(&book, reinterpret_cast<const void*>(granule), sizeof(book));
-    return *book;
+    return book;
 }
 
 // Moves on to the next granule of the current block, if it has one.
@@ -135,6 +144,14 @@ void CellList::erase(Cell* position)
     const size_t at = size_t(position - m_data);
     std::memmove(static_cast<void*>(m_data + at), m_data + at + 1, (m_size - at - 1) * sizeof(Cell));
     --m_size;
+}
+
+void CellList::release(CellArena& arena)
+{
+    arena.release(m_data, m_capacity);
+    m_data = nullptr;
+    m_size = 0;
+    m_capacity = 0;
 }
 
 void CellList::shrink(CellArena& arena)

@@ -14,20 +14,21 @@ class WorkbookData;
 
 static_assert(std::is_trivially_copyable_v<Cell>, "cells are moved as bytes");
 
-// Where the cells of one sheet live. A sheet of millions of cells in one heap allocation
-// per row would pay a malloc per row and a page fault per 4 KiB of fresh memory; here
-// the rows' cell arrays are cut from large blocks, and an array a row outgrows is kept
-// for the next row that needs one of its size.
+// Where the cells of a workbook's sheets live. A sheet of millions of cells in one heap
+// allocation per row would pay a malloc per row and a page fault per 4 KiB of fresh
+// memory; here the rows' cell arrays are cut from large blocks, and an array a row
+// outgrows, or a deleted sheet leaves, is kept for the next row that needs one of its
+// size.
 //
 // A cell does not carry the address of its workbook: eight bytes more a cell would be a
 // third more memory for a sheet of millions. The blocks are cut into granules aligned
-// to their size, no array crosses a granule's end, and each granule starts with where
-// the sheet keeps its workbook, so a cell finds it from its own address.
+// to their size, no array crosses a granule's end, and each granule starts with the
+// workbook's address, so a cell finds it from its own. The sheets of a workbook share
+// the granules: a workbook of thousands of small sheets takes one granule, not one each.
 class CellArena
 {
 public:
-    // book: where the owning sheet keeps the workbook its cells belong to.
-    explicit CellArena(const WorkbookData* const* book) : m_book(book) {}
+    explicit CellArena(const WorkbookData* book) : m_book(book) {}
     ~CellArena();
     CellArena(const CellArena&) = delete;
     CellArena& operator=(const CellArena&) = delete;
@@ -36,7 +37,10 @@ public:
     Cell* allocate(quint32 capacity, quint32* granted);
     void release(Cell* cells, quint32 capacity);
 
-    // The workbook of a cell kept in any sheet's arena.
+    // Gives back all the memory; no cell may be left.
+    void clear();
+
+    // The workbook of a cell kept in any workbook's arena.
     static const WorkbookData* bookOf(const Cell* cell);
 
 private:
@@ -57,7 +61,7 @@ private:
         size_t bytes;
     };
     std::vector<Block> m_blocks;
-    const WorkbookData* const* m_book;
+    const WorkbookData* m_book;
     char* m_next = nullptr;
     char* m_granuleEnd = nullptr;
     char* m_blockEnd = nullptr;
@@ -97,6 +101,8 @@ public:
     void erase(Cell* position);
     // Gives the arena back the room past size(), when it is worth a move.
     void shrink(CellArena& arena);
+    // Gives the arena back all the room, leaving the list empty.
+    void release(CellArena& arena);
 
 private:
     void swap(CellList& other) noexcept;

@@ -78,11 +78,11 @@ RowRecord& SheetData::rowFor(int row)
         if (!rows.empty()) {
             CellList& last = rows.back().cells;
             expected = last.size();
-            last.shrink(cellArena);
+            last.shrink(*cellArena);
         }
         rows.emplace_back();
         rows.back().row = row;
-        rows.back().cells.reserve(cellArena, expected);
+        rows.back().cells.reserve(*cellArena, expected);
         return rows.back();
     }
     if (rows.back().row == row)
@@ -118,13 +118,19 @@ Cell& SheetData::cellFor(int row, int column)
 {
     CellList& cells = rowFor(row).cells;
     if (cells.empty() || cells.back().column() < column)
-        return cells.append(cellArena, CellAccess::make(column));
+        return cells.append(*cellArena, CellAccess::make(column));
     if (cells.back().column() == column)
         return cells.back();
     auto it = lowerBoundCell(cells, column);
     if (it != cells.end() && it->column() == column)
         return *it;
-    return *cells.insert(cellArena, it, CellAccess::make(column));
+    return *cells.insert(*cellArena, it, CellAccess::make(column));
+}
+
+void SheetData::releaseCells()
+{
+    for (RowRecord& record : rows)
+        record.cells.release(*cellArena);
 }
 
 bool SheetData::removeCell(int row, int column)

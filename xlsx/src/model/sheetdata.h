@@ -33,7 +33,7 @@ struct RowRecord
     quint32 hidden : 1;
     double height = 0;         // points; 0 = the sheet's default height
     QByteArray extraAttributes;   // attributes of <row> kept as read (outlineLevel, ...)
-    CellList cells;            // sorted by column, in the sheet's cellArena
+    CellList cells;            // sorted by column, in the workbook's cell arena
 
     RowRecord() : style(0), customFormat(false), hidden(false) {}
 };
@@ -63,7 +63,7 @@ public:
     AbstractSheet::SheetType type = AbstractSheet::ST_WorkSheet;
     AbstractSheet::SheetState state = AbstractSheet::SS_Visible;
 
-    CellArena cellArena{&book};           // the memory of every row's cells
+    CellArena* cellArena = nullptr;       // the workbook's, where the rows' cells are
     RowList rows;                         // sorted by row
     std::vector<ColumnRecord> columns;    // sorted by first column, not overlapping
     QList<CellRange> merges;
@@ -89,6 +89,8 @@ public:
     const Cell* findCell(int row, int column) const;
     Cell& cellFor(int row, int column);
     bool removeCell(int row, int column);
+    // Gives the memory of every row's cells back to the arena, before the sheet goes.
+    void releaseCells();
 
     // The range in use, computed from the cells themselves (see usedRange).
     CellRange dimension() const;

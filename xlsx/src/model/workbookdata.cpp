@@ -34,6 +34,7 @@ SheetData* WorkbookData::appendSheet(const QString& name, AbstractSheet::SheetTy
 {
     auto data = std::make_unique<SheetData>();
     data->book = this;
+    data->cellArena = &cellArena;
     data->name = name;
     data->type = type;
     SheetData* sheet = data.get();
@@ -54,6 +55,7 @@ void WorkbookData::clear()
     date1904 = false;
     sheetObjects.clear();
     sheets.clear();
+    cellArena.clear();
     activeSheet = 0;
     currentSheet = -1;
     keptParts.clear();

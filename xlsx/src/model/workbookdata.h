@@ -40,7 +40,11 @@ class WorkbookData
 public:
     WorkbookData();
     ~WorkbookData();
+    WorkbookData(const WorkbookData&) = delete;
+    WorkbookData& operator=(const WorkbookData&) = delete;
 
+    // Before the sheets: they give their cells back to it when one is deleted.
+    CellArena cellArena{this};
     StringPool strings;
     StyleTable styles;
     bool date1904 = false;

@@ -280,7 +280,7 @@ void SheetDataReader::startRow(const ScannedTag& tag)
             const long long span = colon == std::string_view::npos
                 ? 0 : leadingInteger(a.value.substr(colon + 1)) - leadingInteger(a.value) + 1;
             if (span > 0 && span <= MaxColumns && record.cells.empty())
-                record.cells.reserve(m_sheet.cellArena, size_t(span));
+                record.cells.reserve(*m_sheet.cellArena, size_t(span));
             continue;
         }
         if (attribute == "ht") height = leadingNumber(a.value);
@@ -329,9 +329,9 @@ void SheetDataReader::startCell(const ScannedTag& tag)
         RowRecord& record = currentRow();
         // Sheets tend to be rectangular: a row gets room for as many cells as the last.
         if (record.cells.capacity() == 0)
-            record.cells.reserve(m_sheet.cellArena, m_previousRowCells);
+            record.cells.reserve(*m_sheet.cellArena, m_previousRowCells);
         if (record.cells.empty() || record.cells.back().column() < column) {
-            cell = &record.cells.append(m_sheet.cellArena, CellAccess::make(column));
+            cell = &record.cells.append(*m_sheet.cellArena, CellAccess::make(column));
         } else {
             cell = &m_sheet.cellFor(row, column);
         }
