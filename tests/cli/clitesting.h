@@ -46,14 +46,11 @@ inline QByteArray compoundDocument(const QStringList& streams)
 // An OpenDocument spreadsheet as far as its first bytes tell, under any name.
 inline void writeOpenDocumentSpreadsheet(const QString& path)
 {
-    ASSERT_EQ(QProcess::execute(QStringLiteral("python3"),
-                                {QStringLiteral("-c"),
-                                 QStringLiteral("import sys, zipfile\n"
-                                                "with zipfile.ZipFile(sys.argv[1], 'w') as z:\n"
-                                                "    z.writestr('mimetype', 'application/vnd.oasis.opendocument.spreadsheet')\n"
-                                                "    z.writestr('content.xml', '<office:document-content/>')\n"),
-                                 path}),
-              0);
+    const QString script = "import sys, zipfile\n"
+                           "with zipfile.ZipFile(sys.argv[1], 'w') as z:\n"
+                           "    z.writestr('mimetype', 'application/vnd.oasis.opendocument.spreadsheet')\n"
+                           "    z.writestr('content.xml', '<office:document-content/>')\n";
+    ASSERT_EQ(QProcess::execute("python3", {"-c", script, path}), 0);
 }
 
 struct ToolRun
@@ -73,8 +70,8 @@ protected:
     {
         QProcess process;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.remove(QStringLiteral("DISPLAY"));
-        environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
+        environment.remove("DISPLAY");
+        environment.remove("WAYLAND_DISPLAY");
         for (auto variable = variables.cbegin(); variable != variables.cend(); ++variable)
             environment.insert(variable.key(), variable.value());
         process.setProcessEnvironment(environment);

@@ -28,8 +28,7 @@ protected:
             for (QString field : row) {
                 const bool quoted = field.contains(QLatin1Char(',')) || field.contains(QLatin1Char('"'))
                                     || field.contains(QLatin1Char('\n')) || field.contains(QLatin1Char('\r'));
-                fields.append(quoted ? QLatin1Char('"') + field.replace(QLatin1Char('"'), QStringLiteral("\"\""))
-                                           + QLatin1Char('"')
+                fields.append(quoted ? QLatin1Char('"') + field.replace(QLatin1Char('"'), "\"\"") + QLatin1Char('"')
                                      : field);
             }
             csv += fields.join(QLatin1Char(',')) + QLatin1Char('\n');
@@ -40,9 +39,9 @@ protected:
 
 TEST_F(ToolDump, PrintsEveryCellFromA1AsGetExcelDataReadsIt)
 {
-    const QString path = workbook(QStringLiteral("cells.xlsx"), [](QXlsx::Document& document) {
-        document.write(2, 2, QStringLiteral("a, b"));
-        document.write(2, 4, QStringLiteral("say \"hi\"\nthen go"));
+    const QString path = workbook("cells.xlsx", [](QXlsx::Document& document) {
+        document.write(2, 2, "a, b");
+        document.write(2, 4, "say \"hi\"\nthen go");
         document.write(3, 2, 1500000.0);
         document.write(3, 3, -0.125);
         document.write(3, 4, 1e21);
@@ -57,10 +56,10 @@ TEST_F(ToolDump, PrintsEveryCellFromA1AsGetExcelDataReadsIt)
         for (const double number : numbers)
             document.write(6, column++, number);
     });
-    const ToolRun run = vygis({QStringLiteral("dump"), path});
+    const ToolRun run = vygis({"dump", path});
     EXPECT_EQ(run.status, 0) << run.err.toStdString();
     EXPECT_EQ(run.out, csvOfExcelData(path));
-    EXPECT_TRUE(run.out.startsWith(QStringLiteral(",,,,,,,,,,\n,\"a, b\",,\"say \"\"hi\"\"\nthen go\",,,,,,,\n")))
+    EXPECT_TRUE(run.out.startsWith(",,,,,,,,,,\n,\"a, b\",,\"say \"\"hi\"\"\nthen go\",,,,,,,\n"))
         << run.out.toStdString();
 }
 
@@ -69,13 +68,13 @@ TEST_F(ToolDump, PrintsEveryCellFromA1AsGetExcelDataReadsIt)
 TEST_F(ToolDump, LongSheetsComeOutWhole)
 {
     const QString tree = QString::fromUcs4(U"\U0001F332");
-    const QString path = workbook(QStringLiteral("long.xlsx"), [&](QXlsx::Document& document) {
+    const QString path = workbook("long.xlsx", [&](QXlsx::Document& document) {
         for (int row = 1; row <= 20000; ++row) {
             document.write(row, 1, tree + QString::number(row));
             document.write(row, 2, row * 0.5);
         }
     });
-    const ToolRun run = vygis({QStringLiteral("dump"), path});
+    const ToolRun run = vygis({"dump", path});
     EXPECT_EQ(run.status, 0) << run.err.toStdString();
     EXPECT_EQ(run.out.count(tree), 20000);
     EXPECT_EQ(run.out, csvOfExcelData(path));
@@ -83,11 +82,11 @@ TEST_F(ToolDump, LongSheetsComeOutWhole)
 
 TEST_F(ToolDump, AnEmptySheetIsAFailureThatSaysSo)
 {
-    const QString path = workbook(QStringLiteral("empty.xlsx"), [](QXlsx::Document& document) {
-        document.addSheet(QStringLiteral("Nothing"));
+    const QString path = workbook("empty.xlsx", [](QXlsx::Document& document) {
+        document.addSheet("Nothing");
     });
-    const ToolRun run = vygis({QStringLiteral("dump"), path});
+    const ToolRun run = vygis({"dump", path});
     EXPECT_EQ(run.status, 1);
     EXPECT_TRUE(run.out.isEmpty());
-    EXPECT_TRUE(run.err.contains(QStringLiteral("no sheet data"))) << run.err.toStdString();
+    EXPECT_TRUE(run.err.contains("no sheet data")) << run.err.toStdString();
 }

@@ -65,15 +65,14 @@ protected:
 #ifdef Q_OS_UNIX
         if (geteuid() != 0)
             return QStringList{QStringLiteral(VYGIS_TOOL)} + arguments;
-        const QString setpriv = QStandardPaths::findExecutable(QStringLiteral("setpriv"));
+        const QString setpriv = QStandardPaths::findExecutable("setpriv");
         if (setpriv.isEmpty())
             return {};
-        const QStringList nobody{QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
-                                 QStringLiteral("--clear-groups"), QStringLiteral(VYGIS_TOOL)};
+        const QStringList nobody{"--reuid=65534", "--regid=65534", "--clear-groups", QStringLiteral(VYGIS_TOOL)};
         // The build may stand in a folder that only root may enter.
-        if (runProgram(setpriv, nobody + QStringList{QStringLiteral("--version")}).status != 0)
+        if (runProgram(setpriv, nobody + QStringList{"--version"}).status != 0)
             return {};
-        QFile::setPermissions(QFileInfo(file(QStringLiteral("x"))).absolutePath(), QFileDevice::Permissions(0x7777));
+        QFile::setPermissions(QFileInfo(file("x")).absolutePath(), QFileDevice::Permissions(0x7777));
         return QStringList{setpriv} + nobody + arguments;
 #else
         return QStringList{QStringLiteral(VYGIS_TOOL)} + arguments;
@@ -152,7 +151,7 @@ TEST_F(ToolDxf, EveryAnsiLineIsTheLibrarysRewrite)
 {
     const QByteArray before = drawing("ANSI_1252", crlf);
     const QString byTool = drawingFile(before);
-    const QString byLibrary = drawingFile(before, QStringLiteral("library.dxf"));
+    const QString byLibrary = drawingFile(before, "library.dxf");
     EXPECT_EQ(vygis({codepage, everyAnsiLine, byTool}).status, 0);
     VyUniversalFunction::replaceDxfCodepage(VyObjects::TsString(byLibrary.toStdWString()));
     EXPECT_EQ(contentOf(byTool), contentOf(byLibrary));
@@ -163,7 +162,7 @@ TEST_F(ToolDxf, AFailedWriteLeavesTheDrawingAsItWas)
 {
     const QByteArray before = drawing("ANSI_1252", crlf).repeated(2000); // 370 kB
     const QString path = drawingFile(before);
-    const QString folder = file(QStringLiteral("locked"));
+    const QString folder = file("locked");
     QDir().mkpath(folder);
     const QString inLockedFolder = folder + QStringLiteral("/plan.dxf");
     QFile::copy(path, inLockedFolder);
@@ -179,7 +178,7 @@ TEST_F(ToolDxf, AFailedWriteLeavesTheDrawingAsItWas)
     } cases[] = {
         {"read-only file", path, readOnly, writable, {}, "the file is read-only"},
         {"read-only folder", inLockedFolder, writable, readOnly, {}, "cannot be written to"},
-        {"file size limit", path, writable, writable, QStringLiteral("ulimit -f 100; "), "file size limit"},
+        {"file size limit", path, writable, writable, "ulimit -f 100; ", "file size limit"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.label);
@@ -189,9 +188,8 @@ TEST_F(ToolDxf, AFailedWriteLeavesTheDrawingAsItWas)
         const QString parent = QFileInfo(c.path).absolutePath();
         QFile::setPermissions(c.path, c.file);
         QFile::setPermissions(parent, c.folder);
-        const ToolRun result = runProgram(QStringLiteral("/bin/sh"),
-                                          QStringList{QStringLiteral("-c"), c.shellSetup + QStringLiteral("exec \"$@\""),
-                                                      QStringLiteral("sh")} + command);
+        const QStringList shell{"-c", c.shellSetup + QStringLiteral("exec \"$@\""), "sh"};
+        const ToolRun result = runProgram("/bin/sh", shell + command);
         QFile::setPermissions(parent, QFileDevice::Permissions(0x7700));
         EXPECT_EQ(result.status, 1);
         EXPECT_TRUE(result.err.contains(c.path + QStringLiteral(": "))) << result.err.toStdString();

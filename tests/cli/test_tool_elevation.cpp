@@ -20,7 +20,7 @@ protected:
     // the last cell hold noData.
     QString dem(double noData = -32768)
     {
-        const QString path = file(QStringLiteral("dem.tif"));
+        const QString path = file("dem.tif");
         QFile::remove(path);
         QString error;
         EXPECT_TRUE(TsGdalDataSource::createRaster(path, TsRect(0, 30, 0, 20), 3, 2,
@@ -39,15 +39,13 @@ protected:
 
     ToolRun elevation(const QByteArray& points, const QStringList& more = {})
     {
-        return vygis(QStringList{QStringLiteral("elevation"), textFile(QStringLiteral("points.txt"), points), dem(),
-                                 file(QStringLiteral("report.xlsx"))}
-                     + more);
+        return vygis(QStringList{"elevation", textFile("points.txt", points), dem(), file("report.xlsx")} + more);
     }
 
     // Columns A to C of the report's rows below its header.
     std::vector<QStringList> reportRows() const
     {
-        std::vector<QStringList> rows = sheet(file(QStringLiteral("report.xlsx")));
+        std::vector<QStringList> rows = sheet(file("report.xlsx"));
         return rows.empty() ? rows : std::vector<QStringList>(rows.begin() + 1, rows.end());
     }
 };
@@ -55,8 +53,8 @@ protected:
 TEST_F(ToolElevation, CellsWithoutValueGetTheOutOfRangeTextWhateverTheNoDataNumber)
 {
     for (const double noData : {-32768.0, -9999.0, 0.0, 3.4e38}) {
-        const ToolRun run = vygis({QStringLiteral("elevation"), textFile(QStringLiteral("points.txt"), "5 15\n15 15\n25 5\n15 5\n"),
-                                   dem(noData), file(QStringLiteral("report.xlsx")), QStringLiteral("--overwrite")});
+        const ToolRun run = vygis({"elevation", textFile("points.txt", "5 15\n15 15\n25 5\n15 5\n"),
+                                   dem(noData), file("report.xlsx"), "--overwrite"});
         ASSERT_EQ(run.status, 0) << run.err.toStdString();
         std::vector<QStringList> elevations;
         for (const QStringList& row : reportRows())
@@ -79,8 +77,7 @@ TEST_F(ToolElevation, TextLinesReadAsPointsHeadingsOrHeadersAndTheRestIsReported
 {
     const std::vector<PointText> cases{
         {"id, x, y", "7,5,15\n8;25;5\n", {{"1", "5.0000,15.0000"}, {"2", "25.0000,5.0000"}}, {}},
-        {"X,Y header", "X,Y\n5,15\n", {{"1", "5.0000,15.0000"}},
-         "points.txt: line 1 (X,Y) taken for a column header"},
+        {"X,Y header", "X,Y\n5,15\n", {{"1", "5.0000,15.0000"}}, "points.txt: line 1 (X,Y) taken for a column header"},
         {"id;lon;lat header", "# cities\nid;lon;lat\n1;5;15\n", {{"1", "5.0000,15.0000"}},
          "points.txt: line 2 (id;lon;lat) taken for a column header"},
         {"header of another width is a heading", "X,Y\n1,5,15\n", {{"X,Y", ""}, {"1", "5.0000,15.0000"}}, {}},
@@ -92,7 +89,7 @@ TEST_F(ToolElevation, TextLinesReadAsPointsHeadingsOrHeadersAndTheRestIsReported
          "points.txt: 6 lines skipped, neither a point nor a heading: lines 1, 2, 3, 4, 5, ..."},
     };
     for (const PointText& text : cases) {
-        const ToolRun run = elevation(text.content, {QStringLiteral("--overwrite")});
+        const ToolRun run = elevation(text.content, {"--overwrite"});
         ASSERT_EQ(run.status, 0) << text.name << ": " << run.err.toStdString();
         std::vector<QStringList> rows;
         for (const QStringList& row : reportRows())
@@ -109,25 +106,25 @@ TEST_F(ToolElevation, FileWithoutAPointLineIsRefused)
 {
     const ToolRun run = elevation("X,Y\nNorth\n12.5,abc\n");
     EXPECT_EQ(run.status, 1);
-    EXPECT_TRUE(run.err.contains(QStringLiteral("points.txt: no line holds a point"))) << run.err.toStdString();
-    EXPECT_FALSE(QFile::exists(file(QStringLiteral("report.xlsx"))));
+    EXPECT_TRUE(run.err.contains("points.txt: no line holds a point")) << run.err.toStdString();
+    EXPECT_FALSE(QFile::exists(file("report.xlsx")));
 }
 
 // Folders, GeoPackages and --overwrite are the shared safety table's; these refusals are
 // elevation's own.
 TEST_F(ToolElevation, RefusedOutputsAreLeftByteForByte)
 {
-    const QString points = textFile(QStringLiteral("points.txt"), "5 15\n");
+    const QString points = textFile("points.txt", "5 15\n");
     const QString raster = dem();
-    const QString csv = textFile(QStringLiteral("heights.csv"), "NAME,HEIGHT\nA,1\n");
+    const QString csv = textFile("heights.csv", "NAME,HEIGHT\nA,1\n");
     const std::vector<std::pair<QString, QString>> refused{
-        {raster, QStringLiteral("is also an input")},
-        {points, QStringLiteral("is also an input")},
-        {csv, QStringLiteral("--overwrite")},
+        {raster, "is also an input"},
+        {points, "is also an input"},
+        {csv, "--overwrite"},
     };
     for (const auto& [output, reason] : refused) {
         const QByteArray before = bytesOf(output);
-        const ToolRun run = vygis({QStringLiteral("elevation"), points, raster, output});
+        const ToolRun run = vygis({"elevation", points, raster, output});
         EXPECT_EQ(run.status, 1) << output.toStdString();
         EXPECT_TRUE(run.err.contains(output) && run.err.contains(reason)) << run.err.toStdString();
         EXPECT_EQ(bytesOf(output), before) << output.toStdString();
@@ -136,12 +133,11 @@ TEST_F(ToolElevation, RefusedOutputsAreLeftByteForByte)
 
 TEST_F(ToolElevation, UnreadableRasterIsNamedWithTheReason)
 {
-    const QString notARaster = textFile(QStringLiteral("dem.csv"), "NAME,CODE\nA,1\n");
-    const ToolRun run = vygis({QStringLiteral("elevation"), textFile(QStringLiteral("points.txt"), "5 15\n"),
-                               notARaster, file(QStringLiteral("report.xlsx"))});
+    const QString notARaster = textFile("dem.csv", "NAME,CODE\nA,1\n");
+    const ToolRun run = vygis({"elevation", textFile("points.txt", "5 15\n"), notARaster, file("report.xlsx")});
     EXPECT_EQ(run.status, 1);
     EXPECT_TRUE(run.err.contains(notARaster + QStringLiteral(": holds no raster"))) << run.err.toStdString();
-    EXPECT_FALSE(QFile::exists(file(QStringLiteral("report.xlsx"))));
+    EXPECT_FALSE(QFile::exists(file("report.xlsx")));
 }
 
 } // namespace

@@ -28,13 +28,12 @@ protected:
     // Parcels: PARCEL (key), OWNER, CODE (32-bit), AREA (2 decimals), SINCE (date).
     QString parcels()
     {
-        return pointLayer(file(QStringLiteral("parcels.") + QString::fromLatin1(GetParam())), QStringLiteral("parcels"),
+        return pointLayer(file(QStringLiteral("parcels.") + QString::fromLatin1(GetParam())), "parcels",
                           {{"PARCEL"}, {"OWNER"}, {"CODE", TsField::IntegerField},
                            {"AREA", TsField::DoubleField, QString(), 2}, {"SINCE", TsField::DateField}},
                           {{"P-1", "Ann", 1, 10.5, TsVariant::fromDateTime(0)},
                            {"P-2", TsVariant::null(), 2, 20.25, TsVariant::null()},
-                           {"P-3", "Bob", 3, 30.0, TsVariant::null()},
-                           {"P-4", "Cy", 4, 40.0, TsVariant::null()}});
+                           {"P-3", "Bob", 3, 30.0, TsVariant::null()}, {"P-4", "Cy", 4, 40.0, TsVariant::null()}});
     }
 
     // A sheet whose rows hold the given values from A1.
@@ -50,9 +49,7 @@ protected:
 
     static ToolRun join(const QString& workbook, const QString& layer, const QStringList& more = {})
     {
-        return vygis(QStringList{QStringLiteral("join"), workbook, layer, QStringLiteral("--key"),
-                                 QStringLiteral("parcel")}
-                     + more);
+        return vygis(QStringList{"join", workbook, layer, "--key", "parcel"} + more);
     }
 };
 
@@ -90,9 +87,9 @@ TEST_P(ToolJoin, UnconvertibleValuesUndoTheJoin)
                                    {"P-2", "Yan", "20200000000", "45000"}});
     const ToolRun run = join(book, layer);
     EXPECT_EQ(run.status, 1);
-    EXPECT_TRUE(run.err.contains(QStringLiteral("values not convertible: 3\n"))) << run.err.toStdString();
-    EXPECT_TRUE(run.err.contains(QStringLiteral("field CODE (32-bit integer"))) << run.err.toStdString();
-    EXPECT_TRUE(run.err.contains(QStringLiteral("field SINCE (date")) && run.err.contains("\"45000\""))
+    EXPECT_TRUE(run.err.contains("values not convertible: 3\n")) << run.err.toStdString();
+    EXPECT_TRUE(run.err.contains("field CODE (32-bit integer")) << run.err.toStdString();
+    EXPECT_TRUE(run.err.contains("field SINCE (date") && run.err.contains("\"45000\""))
         << run.err.toStdString();
     EXPECT_TRUE(run.err.contains(QStringLiteral("3 value(s) could not be converted to their field's type; "
                                                 "the join was undone and %1 was left as it was").arg(layer)))
@@ -104,9 +101,9 @@ TEST_P(ToolJoin, KeepGoingWritesTheRestAndKeepsTheOldValuesOfThose)
 {
     const QString layer = parcels();
     const QString book = workbook({{"PARCEL", "OWNER", "CODE"}, {"P-1", "Zed", "lots"}, {"P-2", "Yan", "20"}});
-    const ToolRun run = join(book, layer, {QStringLiteral("--keep-going")});
+    const ToolRun run = join(book, layer, {"--keep-going"});
     EXPECT_EQ(run.status, 0) << run.err.toStdString();
-    EXPECT_TRUE(run.err.contains(QStringLiteral("values not convertible: 1\n"))) << run.err.toStdString();
+    EXPECT_TRUE(run.err.contains("values not convertible: 1\n")) << run.err.toStdString();
     EXPECT_EQ(layerValues(layer, "OWNER"), (QStringList{"Zed", "Yan", "Bob", "Cy"}));
     EXPECT_EQ(layerValues(layer, "CODE"), (QStringList{"1", "20", "3", "4"}));
 }
@@ -122,11 +119,11 @@ TEST_P(ToolJoin, MapsToAFieldOrFromAHeaderThatIsNotThereAreRefused)
         QString message;
     } maps[] = {
         {"holder=nosuchfield", QStringLiteral("--map HOLDER=nosuchfield: %1 has no field nosuchfield").arg(layer)},
-        {"Keeper=OWNER", QStringLiteral("--map KEEPER=OWNER: %1 has no column headed KEEPER (its headers: \"HOLDER\")")
-                             .arg(book)},
+        {"Keeper=OWNER",
+         QStringLiteral("--map KEEPER=OWNER: %1 has no column headed KEEPER (its headers: \"HOLDER\")").arg(book)},
     };
     for (const auto& map : maps) {
-        const ToolRun run = join(book, layer, {QStringLiteral("--map"), QString::fromLatin1(map.map)});
+        const ToolRun run = join(book, layer, {"--map", QString::fromLatin1(map.map)});
         EXPECT_EQ(run.status, 2);
         EXPECT_TRUE(run.err.contains(map.message)) << run.err.toStdString();
         EXPECT_EQ(attributeBytes(layer), before);
@@ -137,9 +134,9 @@ TEST_P(ToolJoin, MapHeadersAreComparedAsTheWorkbooksHeadersAre)
 {
     const QString layer = parcels();
     const QString book = workbook({{"PARCEL", " Holder(name)"}, {"P-1", "Zed"}});
-    const ToolRun run = join(book, layer, {QStringLiteral("--map"), QStringLiteral(" holder(text)=OWNER")});
+    const ToolRun run = join(book, layer, {"--map", " holder(text)=OWNER"});
     EXPECT_EQ(run.status, 0) << run.err.toStdString();
-    EXPECT_EQ(layerValues(layer, "OWNER").value(0), QStringLiteral("Zed"));
+    EXPECT_EQ(layerValues(layer, "OWNER").value(0), "Zed");
 }
 
 TEST_P(ToolJoin, WorkbookWithNoColumnForAFieldIsRefused)
@@ -198,7 +195,7 @@ protected:
         const std::int64_t leapDay = 1582934400000;     // 2020-02-29
         const std::int64_t afternoon = 1625060710000;   // 2021-06-30 13:45:10
         const TsVariant null = TsVariant::null();
-        return pointLayer(file(QStringLiteral("values.") + QString::fromLatin1(GetParam())), QStringLiteral("values"),
+        return pointLayer(file(QStringLiteral("values.") + QString::fromLatin1(GetParam())), "values",
                           {{"PARCEL"}, {"NAME"}, {"COUNT", TsField::IntegerField}, {"BIG", TsField::BigIntegerField},
                            {"SINCE", TsField::DateField}, {"AT", TsField::DateField},
                            {"AREA", TsField::DoubleField, QString(), 2}, {"RATIO", TsField::DoubleField}},
@@ -217,14 +214,14 @@ TEST_P(ToolJoinRoundTrip, ExportedWorkbookJoinedBackChangesNothing)
     for (const char* field : Fields)
         before[field] = layerValues(layer, field);
     const QByteArray bytes = attributeBytes(layer);
-    const QString book = file(QStringLiteral("values.xlsx"));
-    const ToolRun exported = vygis({QStringLiteral("export"), layer, book});
+    const QString book = file("values.xlsx");
+    const ToolRun exported = vygis({"export", layer, book});
     ASSERT_EQ(exported.status, 0) << exported.err.toStdString();
 
     const ToolRun run = join(book, layer);
     EXPECT_EQ(run.status, 0) << run.err.toStdString();
-    EXPECT_TRUE(run.err.contains(QStringLiteral("features joined: 3\n"))) << run.err.toStdString();
-    EXPECT_TRUE(run.err.contains(QStringLiteral("values written: 0\n  values unchanged: 21\n"))) << run.err.toStdString();
+    EXPECT_TRUE(run.err.contains("features joined: 3\n")) << run.err.toStdString();
+    EXPECT_TRUE(run.err.contains("values written: 0\n  values unchanged: 21\n")) << run.err.toStdString();
     for (const char* field : Fields)
         EXPECT_EQ(layerValues(layer, field), before[field]) << field;
     EXPECT_EQ(attributeBytes(layer), bytes);
@@ -247,20 +244,20 @@ protected:
         std::vector<std::vector<TsVariant>> rows;
         for (int i = 0; i < Features; ++i)
             rows.push_back({TsString(QStringLiteral("P-%1").arg(i).toStdWString()), "old"});
-        return pointLayer(file(QStringLiteral("many.shp")), QStringLiteral("many"), {{"PARCEL"}, {"OWNER"}}, rows);
+        return pointLayer(file("many.shp"), "many", {{"PARCEL"}, {"OWNER"}}, rows);
     }
 
     QString newOwners()
     {
         QXlsx::Document document;
-        document.write(1, 1, QStringLiteral("PARCEL"));
-        document.write(1, 2, QStringLiteral("OWNER"));
+        document.write(1, 1, "PARCEL");
+        document.write(1, 2, "OWNER");
         for (int i = 0; i < Features; ++i) {
             document.write(i + 2, 1, QStringLiteral("P-%1").arg(i));
-            document.write(i + 2, 2, QStringLiteral("new"));
+            document.write(i + 2, 2, "new");
         }
-        EXPECT_TRUE(document.saveAs(file(QStringLiteral("owners.xlsx"))));
-        return file(QStringLiteral("owners.xlsx"));
+        EXPECT_TRUE(document.saveAs(file("owners.xlsx")));
+        return file("owners.xlsx");
     }
 
     // The first records of a .dbf, which the join rewrites first.
@@ -274,13 +271,12 @@ protected:
 TEST_P(ToolJoinInterrupted, CtrlCDuringTheJoinLeavesTheShapefileAsItWas)
 {
     const QString layer = manyParcels();
-    const QString dbf = file(QStringLiteral("many.dbf"));
+    const QString dbf = file("many.dbf");
     const QByteArray before = bytesOf(dbf);
     const QString book = newOwners();
 
     QProcess process;
-    process.start(QStringLiteral(VYGIS_TOOL), {QStringLiteral("join"), book, layer, QStringLiteral("--key"),
-                                               QStringLiteral("parcel")});
+    process.start(QStringLiteral(VYGIS_TOOL), {"join", book, layer, "--key", "parcel"});
     ASSERT_TRUE(process.waitForStarted());
     // Once the first records have changed, the join is under way.
     const QByteArray untouched = before.left(1 << 16);

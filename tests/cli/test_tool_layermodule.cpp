@@ -12,8 +12,7 @@ protected:
     // lists them on standard error when asked.
     static QString filesLoadedBy(const QStringList& arguments)
     {
-        return runProgram(QStringLiteral(VYGIS_TOOL), arguments, {{QStringLiteral("LD_DEBUG"), QStringLiteral("files")}})
-            .err;
+        return runProgram(QStringLiteral(VYGIS_TOOL), arguments, {{"LD_DEBUG", "files"}}).err;
     }
 
     // Where the module is seen from the tool's folder, the same wherever the tool is.
@@ -28,25 +27,25 @@ TEST_F(ToolLayerModule, OnlyTheLayerCommandsLoadGdal)
 #ifndef Q_OS_LINUX
     GTEST_SKIP() << "reads what the GNU dynamic loader reports";
 #endif
-    const QString exported = file(QStringLiteral("cities.xlsx"));
-    const QString layerRun = filesLoadedBy({QStringLiteral("export"), sample(QStringLiteral("cities.geojson")), exported});
-    if (!layerRun.contains(QStringLiteral("file=")))
+    const QString exported = file("cities.xlsx");
+    const QString layerRun = filesLoadedBy({"export", sample("cities.geojson"), exported});
+    if (!layerRun.contains("file="))
         GTEST_SKIP() << "this dynamic loader does not list the files it loads";
-    EXPECT_TRUE(layerRun.contains(QStringLiteral("libgdal"))) << layerRun.toStdString();
+    EXPECT_TRUE(layerRun.contains("libgdal")) << layerRun.toStdString();
     EXPECT_TRUE(layerRun.contains(QFileInfo(QStringLiteral(VYGIS_LAYER_MODULE_FILE)).fileName()));
 
     const QList<QStringList> runsWithoutLayers{
-        {QStringLiteral("--version")},
-        {QStringLiteral("--help")},
-        {QStringLiteral("export"), QStringLiteral("--help")},
-        {QStringLiteral("demo"), QStringLiteral("--version")},
-        {QStringLiteral("dump"), exported},
-        {QStringLiteral("rules"), sample(QStringLiteral("check-rules.xlsx"))}};
+        {"--version"},
+        {"--help"},
+        {"export", "--help"},
+        {"demo", "--version"},
+        {"dump", exported},
+        {"rules", sample("check-rules.xlsx")}};
     for (const QStringList& arguments : runsWithoutLayers) {
         const QString loaded = filesLoadedBy(arguments);
-        EXPECT_TRUE(loaded.contains(QStringLiteral("libQt5Core"))) << arguments.join(' ').toStdString();
-        EXPECT_FALSE(loaded.contains(QStringLiteral("libgdal"))) << arguments.join(' ').toStdString();
-        EXPECT_FALSE(loaded.contains(QStringLiteral("vygisutil-gdal"))) << arguments.join(' ').toStdString();
+        EXPECT_TRUE(loaded.contains("libQt5Core")) << arguments.join(' ').toStdString();
+        EXPECT_FALSE(loaded.contains("libgdal")) << arguments.join(' ').toStdString();
+        EXPECT_FALSE(loaded.contains("vygisutil-gdal")) << arguments.join(' ').toStdString();
     }
 }
 
@@ -58,11 +57,10 @@ TEST_F(ToolLayerModule, AModuleThatCannotBeLoadedFailsTheLayerCommandsOnly)
     // A copy of the tool in a folder of its own, so that the module is where the test
     // puts it, or nowhere.
     const QString tool = file(QStringLiteral("bin/") + QFileInfo(QStringLiteral(VYGIS_TOOL)).fileName());
-    const QString module = QDir::cleanPath(file(QStringLiteral("bin/")) + moduleFromToolFolder());
-    ASSERT_TRUE(QDir().mkpath(file(QStringLiteral("bin"))) && QDir().mkpath(QFileInfo(module).path()));
+    const QString module = QDir::cleanPath(file("bin/") + moduleFromToolFolder());
+    ASSERT_TRUE(QDir().mkpath(file("bin")) && QDir().mkpath(QFileInfo(module).path()));
     ASSERT_TRUE(QFile::copy(QStringLiteral(VYGIS_TOOL), tool));
-    const QStringList exportCities{QStringLiteral("export"), sample(QStringLiteral("cities.geojson")),
-                                   file(QStringLiteral("cities.xlsx"))};
+    const QStringList exportCities{"export", sample("cities.geojson"), file("cities.xlsx")};
     const QString cannotLoad = QStringLiteral("vygis export: cannot load the layer commands from %1: ")
                                    .arg(QDir::toNativeSeparators(module));
 
@@ -76,14 +74,14 @@ TEST_F(ToolLayerModule, AModuleThatCannotBeLoadedFailsTheLayerCommandsOnly)
     EXPECT_EQ(broken.status, 1);
     EXPECT_TRUE(broken.err.startsWith(cannotLoad)) << broken.err.toStdString();
     EXPECT_GT(broken.err.size(), cannotLoad.size() + 1) << "the reason follows";
-    EXPECT_FALSE(QFile::exists(file(QStringLiteral("cities.xlsx"))));
+    EXPECT_FALSE(QFile::exists(file("cities.xlsx")));
 
-    const ToolRun dump = runProgram(tool, {QStringLiteral("dump"), sample(QStringLiteral("cities.xlsx"))});
+    const ToolRun dump = runProgram(tool, {"dump", sample("cities.xlsx")});
     EXPECT_EQ(dump.status, 0) << dump.err.toStdString();
-    EXPECT_EQ(dump.out, vygis({QStringLiteral("dump"), sample(QStringLiteral("cities.xlsx"))}).out);
+    EXPECT_EQ(dump.out, vygis({"dump", sample("cities.xlsx")}).out);
 
     ASSERT_TRUE(QFile::remove(module) && QFile::copy(QStringLiteral(VYGIS_LAYER_MODULE_FILE), module));
     const ToolRun found = runProgram(tool, exportCities);
     EXPECT_EQ(found.status, 0) << found.err.toStdString();
-    EXPECT_TRUE(QFile::exists(file(QStringLiteral("cities.xlsx"))));
+    EXPECT_TRUE(QFile::exists(file("cities.xlsx")));
 }

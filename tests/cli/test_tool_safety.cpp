@@ -33,18 +33,18 @@ class ToolSafety : public ToolTest
 protected:
     void SetUp() override
     {
-        writeBytes(file(QStringLiteral("table.csv")), "name,pop\nOslo,700000\nLima,9700000\n");
-        writeBytes(file(QStringLiteral("fields.csv")), "ROADS,NAME,Text,50,0\nROADS,LANES,Integer,4,0\n");
+        writeBytes(file("table.csv"), "name,pop\nOslo,700000\nLima,9700000\n");
+        writeBytes(file("fields.csv"), "ROADS,NAME,Text,50,0\nROADS,LANES,Integer,4,0\n");
     }
 
     QList<WritingCommand> writingCommands() const
     {
-        const QString countries = sample(QStringLiteral("countries-110m.json")) + QStringLiteral(":countries");
-        const QString table = file(QStringLiteral("table.csv"));
-        const QString fields = file(QStringLiteral("fields.csv"));
-        const QString topology = sample(QStringLiteral("topology.json"));
-        const QString points = sample(QStringLiteral("elevation-points.txt"));
-        const QString dem = sample(QStringLiteral("dem.tif"));
+        const QString countries = sample("countries-110m.json") + QStringLiteral(":countries");
+        const QString table = file("table.csv");
+        const QString fields = file("fields.csv");
+        const QString topology = sample("topology.json");
+        const QString points = sample("elevation-points.txt");
+        const QString dem = sample("dem.tif");
         return {
             {"export", [=](const QString& out) { return QStringList{"export", countries, out}; }},
             {"export-table", [=](const QString& out) { return QStringList{"export-table", table, out}; }},
@@ -69,20 +69,17 @@ protected:
     QList<ForeignFile> foreignFiles()
     {
         QList<ForeignFile> files;
-        files.append({pointLayer(file(QStringLiteral("survey.gpkg")), QStringLiteral("plots"), {{QStringLiteral("owner")}}, {}),
-                      QStringLiteral("GeoPackage")});
-        writeBytes(file(QStringLiteral("renamed-csv.xlsx")), "id,name\n1,Oslo\n");
-        files.append({file(QStringLiteral("renamed-csv.xlsx")), QStringLiteral("text file")});
-        writeBytes(file(QStringLiteral("old.xlsx")), compoundDocument({QStringLiteral("Root Entry"), QStringLiteral("Workbook")}));
-        files.append({file(QStringLiteral("old.xlsx")), QStringLiteral("Excel 97-2003")});
-        writeBytes(file(QStringLiteral("locked.xlsx")),
-                   compoundDocument({QStringLiteral("Root Entry"), QStringLiteral("EncryptionInfo"),
-                                     QStringLiteral("EncryptedPackage")}));
-        files.append({file(QStringLiteral("locked.xlsx")), QStringLiteral("encrypted")});
-        writeOpenDocumentSpreadsheet(file(QStringLiteral("calc.xlsx")));
-        files.append({file(QStringLiteral("calc.xlsx")), QStringLiteral("OpenDocument")});
-        writeBytes(file(QStringLiteral("empty.xlsx")), QByteArray());
-        files.append({file(QStringLiteral("empty.xlsx")), QStringLiteral("empty file")});
+        files.append({pointLayer(file("survey.gpkg"), "plots", {{"owner"}}, {}), "GeoPackage"});
+        writeBytes(file("renamed-csv.xlsx"), "id,name\n1,Oslo\n");
+        files.append({file("renamed-csv.xlsx"), "text file"});
+        writeBytes(file("old.xlsx"), compoundDocument({"Root Entry", "Workbook"}));
+        files.append({file("old.xlsx"), "Excel 97-2003"});
+        writeBytes(file("locked.xlsx"), compoundDocument({"Root Entry", "EncryptionInfo", "EncryptedPackage"}));
+        files.append({file("locked.xlsx"), "encrypted"});
+        writeOpenDocumentSpreadsheet(file("calc.xlsx"));
+        files.append({file("calc.xlsx"), "OpenDocument"});
+        writeBytes(file("empty.xlsx"), QByteArray());
+        files.append({file("empty.xlsx"), "empty file"});
         return files;
     }
 
@@ -111,7 +108,7 @@ TEST_F(ToolSafety, FilesThatAreNotWorkbooksAreLeftAsTheyWere)
 
 TEST_F(ToolSafety, OverwriteReplacesAFileThatIsNotAWorkbook)
 {
-    const QString csv = file(QStringLiteral("renamed-csv.xlsx"));
+    const QString csv = file("renamed-csv.xlsx");
     const QStringList replacing{"export", "export-table", "errors", "topology", "elevation", "clear"};
     for (const WritingCommand& command : writingCommands()) {
         if (!replacing.contains(QString::fromLatin1(command.name)))
@@ -126,9 +123,9 @@ TEST_F(ToolSafety, OverwriteReplacesAFileThatIsNotAWorkbook)
 
 TEST_F(ToolSafety, AFolderIsNeverWritten)
 {
-    const QString folder = file(QStringLiteral("reports"));
+    const QString folder = file("reports");
     ASSERT_TRUE(QDir().mkpath(folder));
-    writeBytes(QDir(folder).filePath(QStringLiteral("kept.txt")), "kept");
+    writeBytes(QDir(folder).filePath("kept.txt"), "kept");
     for (const WritingCommand& command : writingCommands()) {
         SCOPED_TRACE(command.name);
         for (const QString& path : {folder, folder + QLatin1Char('/')}) {
@@ -140,16 +137,16 @@ TEST_F(ToolSafety, AFolderIsNeverWritten)
         }
         const ToolRun run = vygis(command.arguments(folder));
         EXPECT_EQ(run.status, 1) << run.err.toStdString();
-        EXPECT_TRUE(run.err.contains(folder) && run.err.contains(QStringLiteral("folder"))) << run.err.toStdString();
+        EXPECT_TRUE(run.err.contains(folder) && run.err.contains("folder")) << run.err.toStdString();
     }
 }
 
 TEST_F(ToolSafety, TheOutputIsNeverTheInput)
 {
-    const QString table = file(QStringLiteral("table.csv"));
-    const QString topology = copyOf(QStringLiteral("topology.json"));
-    const QString countries = copyOf(QStringLiteral("countries-110m.json"));
-    const QString fields = file(QStringLiteral("fields.csv"));
+    const QString table = file("table.csv");
+    const QString topology = copyOf("topology.json");
+    const QString countries = copyOf("countries-110m.json");
+    const QString fields = file("fields.csv");
     const QList<QStringList> runs{
         {"export", countries + QStringLiteral(":countries"), countries, "--overwrite"},
         {"export-table", table, table, "--overwrite"},
@@ -159,47 +156,47 @@ TEST_F(ToolSafety, TheOutputIsNeverTheInput)
     };
     for (const QStringList& arguments : runs) {
         SCOPED_TRACE(arguments.join(QLatin1Char(' ')).toStdString());
-        const QString input = arguments.at(arguments.first() == QStringLiteral("template") ? 2 : 1)
+        const QString input = arguments.at(arguments.first() == "template" ? 2 : 1)
                                   .section(QLatin1Char(':'), 0, 0);
         const QByteArray before = bytesOf(input);
         const ToolRun run = vygis(arguments);
         EXPECT_EQ(run.status, 1) << run.err.toStdString();
-        EXPECT_TRUE(run.err.contains(QStringLiteral("input"))) << run.err.toStdString();
+        EXPECT_TRUE(run.err.contains("input")) << run.err.toStdString();
         EXPECT_EQ(bytesOf(input), before);
     }
 }
 
 TEST_F(ToolSafety, TheDemoWritesOnlyIntoItsOwnFolder)
 {
-    const QString folder = file(QStringLiteral("survey"));
+    const QString folder = file("survey");
     ASSERT_TRUE(QDir().mkpath(folder));
-    const QString own = QDir(folder).filePath(QStringLiteral("countries.gpkg"));
+    const QString own = QDir(folder).filePath("countries.gpkg");
     writeBytes(own, "the only copy of a survey");
-    const ToolRun refused = vygis({QStringLiteral("demo"), folder});
+    const ToolRun refused = vygis({"demo", folder});
     EXPECT_EQ(refused.status, 1);
     EXPECT_TRUE(refused.err.contains(folder)) << refused.err.toStdString();
     EXPECT_EQ(bytesOf(own), QByteArray("the only copy of a survey"));
     EXPECT_EQ(QDir(folder).entryList(QDir::Files | QDir::Hidden), QStringList{"countries.gpkg"});
 
-    const QString demo = file(QStringLiteral("demo"));
-    EXPECT_EQ(vygis({QStringLiteral("demo"), demo}).status, 0);
-    EXPECT_EQ(vygis({QStringLiteral("demo"), demo}).status, 0) << "a demo's own folder may be written again";
+    const QString demo = file("demo");
+    EXPECT_EQ(vygis({"demo", demo}).status, 0);
+    EXPECT_EQ(vygis({"demo", demo}).status, 0) << "a demo's own folder may be written again";
 }
 
 TEST_F(ToolSafety, AnExportThatCutsTextsToExcelsLimitSaysSo)
 {
-    const QString package = pointLayer(file(QStringLiteral("notes.gpkg")), QStringLiteral("notes"), {{QStringLiteral("note")}},
+    const QString package = pointLayer(file("notes.gpkg"), "notes", {{"note"}},
                                        {{TsString(std::string(40000, 'n').c_str())}});
-    const QString workbook = file(QStringLiteral("notes.xlsx"));
-    const ToolRun run = vygis({QStringLiteral("export"), package, workbook});
+    const QString workbook = file("notes.xlsx");
+    const ToolRun run = vygis({"export", package, workbook});
     EXPECT_EQ(run.status, 0) << run.err.toStdString();
-    EXPECT_TRUE(run.err.contains(QStringLiteral("note")) && run.err.contains(QStringLiteral("cut to 32767")))
+    EXPECT_TRUE(run.err.contains("note") && run.err.contains("cut to 32767"))
         << run.err.toStdString();
 }
 
 TEST_F(ToolSafety, AMissingFolderIsNamed)
 {
-    const QString output = file(QStringLiteral("no/such/folder/out.xlsx"));
+    const QString output = file("no/such/folder/out.xlsx");
     for (const WritingCommand& command : writingCommands()) {
         SCOPED_TRACE(command.name);
         const ToolRun run = vygis(command.arguments(output));
@@ -219,11 +216,11 @@ protected:
     {
         QStringList quoted;
         for (const QString& argument : arguments)
-            quoted.append(QLatin1Char('\'') + QString(argument).replace(QLatin1Char('\''), QStringLiteral("'\\''"))
+            quoted.append(QLatin1Char('\'') + QString(argument).replace(QLatin1Char('\''), "'\\''")
                           + QLatin1Char('\''));
         const QString script = QStringLiteral("%1 exec %2 '%3' %4")
                                    .arg(setup, wrapper, QStringLiteral(VYGIS_TOOL), quoted.join(QLatin1Char(' ')));
-        return runProgram(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), script});
+        return runProgram("/bin/sh", {"-c", script});
     }
 
     // Root may write any file; the tool then runs as nobody, in a folder nobody may
@@ -232,10 +229,10 @@ protected:
     {
         if (geteuid() != 0)
             return QString();
-        QFile::setPermissions(QFileInfo(file(QStringLiteral("x"))).absolutePath(),
+        QFile::setPermissions(QFileInfo(file("x")).absolutePath(),
                               QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner
                                   | QFileDevice::ReadOther | QFileDevice::ExeOther);
-        for (const QString& name : QDir(QFileInfo(file(QStringLiteral("x"))).absolutePath()).entryList(QDir::Files))
+        for (const QString& name : QDir(QFileInfo(file("x")).absolutePath()).entryList(QDir::Files))
             QFile::setPermissions(file(name), QFile::permissions(file(name)) | QFileDevice::ReadOther);
         return QStringLiteral("setpriv --reuid=65534 --regid=65534 --clear-groups");
     }
@@ -245,9 +242,8 @@ protected:
         if (geteuid() != 0)
             return true;
         QProcess probe;
-        probe.start(QStringLiteral("setpriv"), {QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
-                                                QStringLiteral("--clear-groups"), QStringLiteral(VYGIS_TOOL),
-                                                QStringLiteral("--version")});
+        probe.start("setpriv", {"--reuid=65534", "--regid=65534", "--clear-groups", QStringLiteral(VYGIS_TOOL),
+                                                "--version"});
         return probe.waitForFinished(30000) && probe.exitStatus() == QProcess::NormalExit && probe.exitCode() == 0;
     }
 };
@@ -266,7 +262,7 @@ TEST_F(ToolSafetyLimits, AReadOnlyWorkbookIsLeftAsItWas)
         SCOPED_TRACE(command.name);
         const ToolRun run = shellRun(QString(), as, command.arguments(workbook));
         EXPECT_EQ(run.status, 1) << run.err.toStdString();
-        EXPECT_TRUE(run.err.contains(workbook) && run.err.contains(QStringLiteral("read-only"))) << run.err.toStdString();
+        EXPECT_TRUE(run.err.contains(workbook) && run.err.contains("read-only")) << run.err.toStdString();
         EXPECT_EQ(bytesOf(workbook), before);
     }
 }
@@ -280,10 +276,10 @@ TEST_F(ToolSafetyLimits, AFullDiskLeavesTheOldWorkbook)
         const QString workbook = workbookCopy("cities.xlsx");
         const QByteArray before = bytesOf(workbook);
         // Writes stop at 512 bytes, below the size of any workbook.
-        const ToolRun run = shellRun(QStringLiteral("ulimit -f 1;"), QString(), command.arguments(workbook));
+        const ToolRun run = shellRun("ulimit -f 1;", QString(), command.arguments(workbook));
         EXPECT_EQ(run.status, 1) << run.err.toStdString();
         EXPECT_TRUE(run.err.contains(workbook)) << run.err.toStdString();
-        EXPECT_TRUE(run.err.contains(QStringLiteral("too large")) || run.err.contains(QStringLiteral("limit")))
+        EXPECT_TRUE(run.err.contains("too large") || run.err.contains("limit"))
             << run.err.toStdString();
         EXPECT_EQ(bytesOf(workbook), before);
         QFile::remove(workbook);
@@ -293,15 +289,15 @@ TEST_F(ToolSafetyLimits, AFullDiskLeavesTheOldWorkbook)
 // An export long enough to be stopped part way: 200,000 features of six fields.
 TEST_F(ToolSafetyLimits, AnExportStoppedPartWayLeavesTheOldWorkbook)
 {
-    const QString package = file(QStringLiteral("parcels.gpkg"));
+    const QString package = file("parcels.gpkg");
     QString error;
     const auto source = TsGdalDataSource::create(package, &error);
     std::vector<TsGdalFieldDefinition> fields;
     for (const char* name : {"a", "b", "c", "d", "e", "f"})
         fields.emplace_back(QString::fromLatin1(name));
-    ASSERT_TRUE(source && source->createLayer(QStringLiteral("parcels"), TsLayer::PointLayer, fields, &error,
+    ASSERT_TRUE(source && source->createLayer("parcels", TsLayer::PointLayer, fields, &error,
                                               TsGdalDataSource::WithoutSpatialIndex)) << error.toStdString();
-    const auto writer = source->featureWriter(QStringLiteral("parcels"), &error);
+    const auto writer = source->featureWriter("parcels", &error);
     const std::vector<TsVariant> values(6, TsVariant(TsString("parcel value")));
     for (int i = 0; i < 200000; ++i)
         writer->addFeature(values);
@@ -310,20 +306,20 @@ TEST_F(ToolSafetyLimits, AnExportStoppedPartWayLeavesTheOldWorkbook)
     // Stopped at fractions of a full run: early ones land while the layer is read, late
     // ones while the new workbook is written. Either the old workbook is whole or the
     // new one is complete: never a mix.
-    const QByteArray before = bytesOf(sample(QStringLiteral("cities.xlsx")));
+    const QByteArray before = bytesOf(sample("cities.xlsx"));
     QElapsedTimer clock;
     clock.start();
-    ASSERT_EQ(vygis({QStringLiteral("export"), package, file(QStringLiteral("timed.xlsx"))}).status, 0);
+    ASSERT_EQ(vygis({"export", package, file("timed.xlsx")}).status, 0);
     const qint64 fullRun = clock.elapsed();
     int stopped = 0;
     for (double fraction : {0.3, 0.9}) {
         for (int signal : {SIGINT, SIGTERM, SIGKILL}) {
             SCOPED_TRACE(testing::Message() << "signal " << signal << " at " << fraction << " of " << fullRun << " ms");
-            const QString workbook = file(QStringLiteral("stopped.xlsx"));
+            const QString workbook = file("stopped.xlsx");
             QFile::remove(workbook);
-            QFile::copy(sample(QStringLiteral("cities.xlsx")), workbook);
+            QFile::copy(sample("cities.xlsx"), workbook);
             QProcess export_;
-            export_.start(QStringLiteral(VYGIS_TOOL), {QStringLiteral("export"), package, workbook});
+            export_.start(QStringLiteral(VYGIS_TOOL), {"export", package, workbook});
             ASSERT_TRUE(export_.waitForStarted());
             QThread::msleep(static_cast<unsigned long>(fraction * fullRun));
             ::kill(static_cast<pid_t>(export_.processId()), signal);

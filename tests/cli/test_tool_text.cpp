@@ -20,7 +20,7 @@ protected:
     // holds streetValue, and one whose streetField holds "plain".
     QString riverPackage()
     {
-        return pointLayer(file(QStringLiteral("rivers.gpkg")), riverLayer, {{streetField}},
+        return pointLayer(file("rivers.gpkg"), riverLayer, {{streetField}},
                           {{toTsString(streetValue)}, {TsString("plain")}});
     }
 };
@@ -28,14 +28,14 @@ protected:
 TEST_F(ToolText, LayerNameComparesAndPrintsNamesBeyondTheBmpWhole)
 {
     const QString package = riverPackage();
-    EXPECT_EQ(vygis({QStringLiteral("layer-name"), package, riverLayer}).out, riverLayer + QStringLiteral("-1\n"));
-    EXPECT_EQ(vygis({QStringLiteral("layer-name"), package, clef}).out, clef + QLatin1Char('\n'));
+    EXPECT_EQ(vygis({"layer-name", package, riverLayer}).out, riverLayer + QStringLiteral("-1\n"));
+    EXPECT_EQ(vygis({"layer-name", package, clef}).out, clef + QLatin1Char('\n'));
 }
 
 TEST_F(ToolText, ExportWritesFieldNamesAndValuesBeyondTheBmpWhole)
 {
-    const QString workbook = file(QStringLiteral("rivers.xlsx"));
-    const ToolRun run = vygis({QStringLiteral("export"), riverPackage(), workbook});
+    const QString workbook = file("rivers.xlsx");
+    const ToolRun run = vygis({"export", riverPackage(), workbook});
     ASSERT_EQ(run.status, 0) << run.err.toStdString();
     const std::vector<QStringList> rows = sheet(workbook);
     ASSERT_EQ(rows.size(), 4u);
@@ -46,8 +46,8 @@ TEST_F(ToolText, ExportWritesFieldNamesAndValuesBeyondTheBmpWhole)
 
 TEST_F(ToolText, ExportFiltersByAValueBeyondTheBmp)
 {
-    const QString workbook = file(QStringLiteral("rivers.xlsx"));
-    const ToolRun run = vygis({QStringLiteral("export"), riverPackage(), workbook, QStringLiteral("--where"),
+    const QString workbook = file("rivers.xlsx");
+    const ToolRun run = vygis({"export", riverPackage(), workbook, "--where",
                                QStringLiteral("\"%1\" = '%2'").arg(streetField, streetValue)});
     ASSERT_EQ(run.status, 0) << run.err.toStdString();
     const std::vector<QStringList> rows = sheet(workbook);

@@ -41,8 +41,7 @@ struct Column
 const std::vector<Column>& layerColumns()
 {
     static const std::vector<Column> columns{
-        {"COUNT", TsField::IntegerField,
-         {TsVariant(42), TsVariant::null(), TsVariant(-7), TsVariant(0)},
+        {"COUNT", TsField::IntegerField, {TsVariant(42), TsVariant::null(), TsVariant(-7), TsVariant(0)},
          {"int 42", "NoneType None", "int -7", "int 0"}},
         // A GeoPackage boolean reads as a 16-bit integer: the host has no boolean field.
         {"FLAG", TsField::SmallIntegerField,
@@ -55,17 +54,13 @@ const std::vector<Column>& layerColumns()
          {TsVariant(258.5801598495534), TsVariant::null(), TsVariant(1623819823.81), TsVariant(0.1 + 0.2)},
          {"float 258.5801598495534", "NoneType None", "float 1623819823.81", "float 0.30000000000000004"}},
         // A single is the number its own text names, not the float widened to a double.
-        {"SHARE", TsField::SingleField,
-         {TsVariant(0.1f), TsVariant::null(), TsVariant(2.5f), TsVariant(-1e-5f)},
+        {"SHARE", TsField::SingleField, {TsVariant(0.1f), TsVariant::null(), TsVariant(2.5f), TsVariant(-1e-5f)},
          {"float 0.1", "NoneType None", "float 2.5", "float -1e-05"}},
-        {"WHEN", TsField::DateField,
-         {utc(2021, 6, 16, 4, 57, 3, 810), TsVariant::null(), utc(2021, 6, 16, 0, 0, 0, 0),
+        {"WHEN", TsField::DateField, {utc(2021, 6, 16, 4, 57, 3, 810), TsVariant::null(), utc(2021, 6, 16, 0, 0, 0, 0),
           utc(1999, 12, 31, 23, 59, 59, 0)},
          {"datetime datetime.datetime(2021, 6, 16, 4, 57, 3, 810000)", "NoneType None",
-          "datetime datetime.datetime(2021, 6, 16, 0, 0)",
-          "datetime datetime.datetime(1999, 12, 31, 23, 59, 59)"}},
-        {"NAME", TsField::StringField,
-         {TsVariant("hello"), TsVariant::null(), TsVariant("007"), TsVariant("=1+1")},
+          "datetime datetime.datetime(2021, 6, 16, 0, 0)", "datetime datetime.datetime(1999, 12, 31, 23, 59, 59)"}},
+        {"NAME", TsField::StringField, {TsVariant("hello"), TsVariant::null(), TsVariant("007"), TsVariant("=1+1")},
          {"str 'hello'", "NoneType None", "str '007'", "str '=1+1'"}},
     };
     return columns;
@@ -83,15 +78,15 @@ protected:
     // A GeoPackage point layer "facts" of four features holding layerColumns().
     QString factsPackage()
     {
-        const QString path = file(QStringLiteral("facts.gpkg"));
+        const QString path = file("facts.gpkg");
         QString error;
         const TsRefPtr<TsGdalDataSource> source = TsGdalDataSource::create(path, &error);
         std::vector<TsGdalFieldDefinition> fields;
         for (const Column& column : layerColumns())
             fields.emplace_back(QString::fromLatin1(column.name), column.type);
-        EXPECT_TRUE(source && source->createLayer(QStringLiteral("facts"), TsLayer::PointLayer, fields, &error))
+        EXPECT_TRUE(source && source->createLayer("facts", TsLayer::PointLayer, fields, &error))
             << error.toStdString();
-        const TsRefPtr<TsGdalFeatureWriter> writer = source->featureWriter(QStringLiteral("facts"), &error);
+        const TsRefPtr<TsGdalFeatureWriter> writer = source->featureWriter("facts", &error);
         for (std::size_t feature = 0; feature < 4; ++feature) {
             std::vector<TsVariant> values;
             for (const Column& column : layerColumns())
@@ -152,7 +147,7 @@ TEST_F(ToolTypedCells, ExportsWriteNumbersDatesNullsAndTextsAsTypedCells)
     };
     for (const auto& exported : exports) {
         SCOPED_TRACE(exported.command + (' ' + exported.options.join(' ')).toStdString());
-        const QString workbook = file(QStringLiteral("typed.xlsx"));
+        const QString workbook = file("typed.xlsx");
         expectSaved(vygis(QStringList{exported.command, layer, workbook, "--overwrite"} + exported.options));
         const QJsonObject cells = cellValues(workbook, exported.headerRow);
         for (const Column& expected : layerColumns())
@@ -162,7 +157,7 @@ TEST_F(ToolTypedCells, ExportsWriteNumbersDatesNullsAndTextsAsTypedCells)
 
 TEST_F(ToolTypedCells, CoordinatesAreExactNumbers)
 {
-    const QString workbook = file(QStringLiteral("points.xlsx"));
+    const QString workbook = file("points.xlsx");
     expectSaved(vygis({"export", factsPackage(), workbook, "--columns", "X", "Y"}));
     const QJsonObject cells = cellValues(workbook, 1);
     EXPECT_EQ(lines(column(cells, "X")),
@@ -173,7 +168,7 @@ TEST_F(ToolTypedCells, CoordinatesAreExactNumbers)
 
 TEST_F(ToolTypedCells, DateTimesShowTheirTimeAndMidnightsOnlyTheirDate)
 {
-    const QString workbook = file(QStringLiteral("dates.xlsx"));
+    const QString workbook = file("dates.xlsx");
     expectSaved(vygis({"export", factsPackage(), workbook}));
     const QStringList formats = column(cellValues(workbook, 2), "WHEN", 2);
     ASSERT_EQ(formats.size(), 4);
@@ -188,12 +183,12 @@ TEST_F(ToolTypedCells, DateTimesShowTheirTimeAndMidnightsOnlyTheirDate)
 // 0.3); and a single as the float widened to a double (0.1 as 0.1000000014901161).
 TEST_F(ToolTypedCells, TypedCellsAreTheCellsOgr2ogrWrites)
 {
-    const QString ogr2ogr = QStandardPaths::findExecutable(QStringLiteral("ogr2ogr"));
+    const QString ogr2ogr = QStandardPaths::findExecutable("ogr2ogr");
     if (ogr2ogr.isEmpty())
         GTEST_SKIP() << "needs GDAL's ogr2ogr";
     const QString layer = factsPackage();
-    const QString ours = file(QStringLiteral("vygis.xlsx"));
-    const QString theirs = file(QStringLiteral("gdal.xlsx"));
+    const QString ours = file("vygis.xlsx");
+    const QString theirs = file("gdal.xlsx");
     expectSaved(vygis({"export", layer, ours}));
     ASSERT_EQ(QProcess::execute(ogr2ogr, {"-f", "XLSX", theirs, layer}), 0);
     const std::map<std::pair<QString, int>, QString> gdalDiffers{
@@ -235,7 +230,7 @@ TEST_F(ToolTypedCells, TextOptionWritesNumbersAsTheShortestTextsThatReadBackTheS
     };
     for (const auto& exported : exports) {
         SCOPED_TRACE(exported.command + (' ' + exported.options.join(' ')).toStdString());
-        const QString workbook = file(QStringLiteral("texts.xlsx"));
+        const QString workbook = file("texts.xlsx");
         expectSaved(vygis(QStringList{exported.command, layer, workbook, "--text", "--overwrite"} + exported.options));
         const QJsonObject cells = cellValues(workbook, exported.headerRow);
         EXPECT_EQ(lines(column(cells, exported.column, 0)), lines({"str", "str", "str", "str"}));
