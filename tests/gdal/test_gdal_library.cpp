@@ -145,22 +145,4 @@ TEST_F(GdalTest, AbortedEditsOfFilesWithoutTransactionsAreSetBack)
     EXPECT_EQ(values(*layer(open(path)), "OWNER"), QStringList({"Ann", "", "Bob", "Cy"}));
 }
 
-TEST_F(GdalTest, ElevationReportReadsAGeoTiff)
-{
-    const QString dem = file("dem.tif");
-    QString error;
-    ASSERT_TRUE(TsGdalDataSource::createRaster(dem, TsRect(0, 30, 0, 30), 3, 3,
-                                               {1, 2, 3, 4, 5, 6, 7, 8, 9.25}, -9999, &error))
-        << error.toStdString();
-    const QString out = file("elevations.xlsx");
-    ASSERT_TRUE(VyExcelUtil::saveQueryElevationOutputFile(
-        out, {"5", "25", "15", "15", "29", "1", "40", "40"}, open(dem)->raster(1, &error)));
-    const std::vector<QStringList> rows = sheet(out);
-    ASSERT_EQ(rows.size(), 5u);
-    EXPECT_EQ(rows[1].mid(1), QStringList({"5.0000,25.0000", "1.0000"}));
-    EXPECT_EQ(rows[2].at(2), "5.0000");
-    EXPECT_EQ(rows[3].at(2), "9.2500");
-    EXPECT_EQ(rows[4].at(2), "Not within the range of Dem data!");
-}
-
 } // namespace
