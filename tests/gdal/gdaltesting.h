@@ -51,28 +51,32 @@ protected:
         return found;
     }
 
+    // A new file named name (its format by its suffix) holding one layer whose features
+    // hold rows, feature k at points[k] where there is one.
+    QString layerFile(const QString& name, const QString& layerName, TsLayer::LayerType type,
+                      const std::vector<TsGdalFieldDefinition>& fields, const std::vector<std::vector<TsVariant>>& rows,
+                      const std::vector<TsRefPtr<TsGeometry>>& points = {}) const
+    {
+        QString error;
+        const TsRefPtr<TsGdalDataSource> source = TsGdalDataSource::create(file(name), &error);
+        EXPECT_TRUE(source && source->createLayer(layerName, type, fields, &error)) << error.toStdString();
+        const TsRefPtr<TsGdalFeatureWriter> writer = source ? source->featureWriter(layerName, &error) : nullptr;
+        for (size_t k = 0; writer && k < rows.size(); ++k)
+            writer->addFeature(rows[k], k < points.size() ? points[k] : TsRefPtr<TsGeometry>());
+        EXPECT_TRUE(writer && writer->commit(&error)) << error.toStdString();
+        return file(name);
+    }
+
     // Four parcels as points with heights: PARCEL (aliased "Parcel number"),
     // AREA (2 decimals, aliased "Area"), OWNER (the second has none), CODE.
     QString parcelsFile(const QString& name = QStringLiteral("parcels.gpkg")) const
     {
-        QString error;
-        TsRefPtr<TsGdalDataSource> source = TsGdalDataSource::create(file(name), &error);
-        EXPECT_TRUE(source) << error.toStdString();
-        EXPECT_TRUE(source->createLayer(QStringLiteral("parcels"), TsLayer::PointLayer,
-                                        {{"PARCEL", TsField::StringField, "Parcel number", 0},
-                                         {"AREA", TsField::DoubleField, "Area", 2},
-                                         {"OWNER", TsField::StringField, QString(), 0},
-                                         {"CODE", TsField::IntegerField, QString(), 0}},
-                                        &error))
-            << error.toStdString();
-        TsRefPtr<TsGdalFeatureWriter> writer = source->featureWriter(QStringLiteral("parcels"), &error);
-        EXPECT_TRUE(writer) << error.toStdString();
-        writer->addFeature({"P-1", 120.5, "Ann", 1}, point(10, 20, 5));
-        writer->addFeature({"P-2", 80.25, TsVariant::null(), 2}, point(11, 21, 6));
-        writer->addFeature({"P-3", 300.0, "Bob", 3}, point(12, 22, 7));
-        writer->addFeature({"P-4", 99.99, "Cy", 4}, point(13, 23, 8));
-        EXPECT_TRUE(writer->commit(&error)) << error.toStdString();
-        return file(name);
+        return layerFile(name, QStringLiteral("parcels"), TsLayer::PointLayer,
+                         {{"PARCEL", TsField::StringField, "Parcel number", 0}, {"AREA", TsField::DoubleField, "Area", 2},
+                          {"OWNER", TsField::StringField, QString(), 0}, {"CODE", TsField::IntegerField, QString(), 0}},
+                         {{"P-1", 120.5, "Ann", 1}, {"P-2", 80.25, TsVariant::null(), 2}, {"P-3", 300.0, "Bob", 3},
+                          {"P-4", 99.99, "Cy", 4}},
+                         {point(10, 20, 5), point(11, 21, 6), point(12, 22, 7), point(13, 23, 8)});
     }
 
     static TsRefPtr<TsGeometry> point(double x, double y, double z)

@@ -21,25 +21,12 @@ protected:
     QString typedFile(const QString& name) const
     {
         // A shapefile's one layer is named like the file.
-        const QString layerName = QFileInfo(name).completeBaseName();
-        QString error;
-        TsRefPtr<TsGdalDataSource> source = TsGdalDataSource::create(file(name), &error);
-        EXPECT_TRUE(source) << error.toStdString();
-        EXPECT_TRUE(source->createLayer(layerName, TsLayer::PointLayer,
-                                        {{"NAME"}, {"CODE", TsField::IntegerField},
-                                         {"SMALL", TsField::SmallIntegerField},
-                                         {"AREA", TsField::DoubleField, QString(), 2},
-                                         {"SINCE", TsField::DateField}},
-                                        &error))
-            << error.toStdString();
-        TsRefPtr<TsGdalFeatureWriter> writer = source->featureWriter(layerName, &error);
-        EXPECT_TRUE(writer) << error.toStdString();
-        if (!writer)
-            return QString();
-        writer->addFeature({"one", 1, TsVariant::fromInt16(1), 1.5, TsVariant::fromDateTime(0)}, point(0, 0, 0));
-        writer->addFeature({TsVariant::null(), 2, TsVariant::fromInt16(2), 2.5, TsVariant::null()}, point(1, 1, 0));
-        EXPECT_TRUE(writer->commit(&error)) << error.toStdString();
-        return file(name);
+        return layerFile(name, QFileInfo(name).completeBaseName(), TsLayer::PointLayer,
+                         {{"NAME"}, {"CODE", TsField::IntegerField}, {"SMALL", TsField::SmallIntegerField},
+                          {"AREA", TsField::DoubleField, QString(), 2}, {"SINCE", TsField::DateField}},
+                         {{"one", 1, TsVariant::fromInt16(1), 1.5, TsVariant::fromDateTime(0)},
+                          {TsVariant::null(), 2, TsVariant::fromInt16(2), 2.5, TsVariant::null()}},
+                         {point(0, 0, 0), point(1, 1, 0)});
     }
 
     TsRefPtr<TsGdalFeatureLayer> openForUpdate()

@@ -40,17 +40,8 @@ TEST_F(GdalTest, PointExportGivesCoordinatesWithHeights)
 
 TEST_F(GdalTest, TableExportWritesEveryRowOfAnAttributeTable)
 {
-    const QString path = file("owners.gpkg");
-    {
-        QString error;
-        const TsRefPtr<TsGdalDataSource> source = TsGdalDataSource::create(path, &error);
-        ASSERT_TRUE(source->createLayer("owners", TsLayer::TableLayer,
-                                        {{"NAME"}, {"SHARE", TsField::DoubleField}}, &error));
-        const TsRefPtr<TsGdalFeatureWriter> writer = source->featureWriter("owners", &error);
-        writer->addFeature({"Ann", 0.5});
-        writer->addFeature({"Bob"});
-        ASSERT_TRUE(writer->commit(&error)) << error.toStdString();
-    }
+    const QString path = layerFile("owners.gpkg", "owners", TsLayer::TableLayer,
+                                   {{"NAME"}, {"SHARE", TsField::DoubleField}}, {{"Ann", 0.5}, {"Bob"}});
     QString error;
     const QString out = file("owners.xlsx");
     ASSERT_TRUE(VyExcelUtil::export2Excel(out, open(path)->table("owners", &error)));
