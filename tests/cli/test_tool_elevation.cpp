@@ -31,9 +31,7 @@ protected:
 
     QString textFile(const QString& name, const QByteArray& content)
     {
-        QFile text(file(name));
-        EXPECT_TRUE(text.open(QIODevice::WriteOnly));
-        text.write(content);
+        writeBytes(file(name), content);
         return file(name);
     }
 

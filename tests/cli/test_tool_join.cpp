@@ -33,7 +33,8 @@ protected:
                            {"AREA", TsField::DoubleField, QString(), 2}, {"SINCE", TsField::DateField}},
                           {{"P-1", "Ann", 1, 10.5, TsVariant::fromDateTime(0)},
                            {"P-2", TsVariant::null(), 2, 20.25, TsVariant::null()},
-                           {"P-3", "Bob", 3, 30.0, TsVariant::null()}, {"P-4", "Cy", 4, 40.0, TsVariant::null()}});
+                           {"P-3", "Bob", 3, 30.0, TsVariant::null()},
+                           {"P-4", "Cy", 4, 40.0, TsVariant::null()}});
     }
 
     // A sheet whose rows hold the given values from A1.

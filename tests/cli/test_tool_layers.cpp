@@ -41,10 +41,7 @@ TEST_F(ToolLayers, ExportWithColumnsWritesCoordinatesAndFilteredFeatures)
 TEST_F(ToolLayers, ExportTableWritesEveryRow)
 {
     const QString csv = file("codes.csv");
-    QFile table(csv);
-    ASSERT_TRUE(table.open(QIODevice::WriteOnly));
-    table.write("CODE,LABEL\n1,one\n2,two\n");
-    table.close();
+    writeBytes(csv, "CODE,LABEL\n1,one\n2,two\n");
     const QString workbook = file("codes.xlsx");
     const ToolRun run = vygis({"export-table", csv, workbook});
     EXPECT_EQ(run.status, 0) << run.err.toStdString();

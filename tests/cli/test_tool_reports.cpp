@@ -7,10 +7,7 @@ using ToolReports = ToolTest;
 TEST_F(ToolReports, ErrorsComeFromArgumentsAndCsvFiles)
 {
     const QString csv = file("errors.csv");
-    QFile list(csv);
-    ASSERT_TRUE(list.open(QIODevice::WriteOnly));
-    list.write("Must not overlap,3,countries\n");
-    list.close();
+    writeBytes(csv, "Must not overlap,3,countries\n");
     const QString workbook = file("errors.xlsx");
     const ToolRun run = vygis({"errors", workbook, "Gap", "1", "land", "--from", csv});
     EXPECT_EQ(run.status, 0) << run.err.toStdString();
@@ -39,10 +36,7 @@ TEST_F(ToolReports, TopologyReportsEveryFindingOfTheJson)
 TEST_F(ToolReports, TopologyRefusesJsonOfAnotherShape)
 {
     const QString json = file("bad.json");
-    QFile bad(json);
-    ASSERT_TRUE(bad.open(QIODevice::WriteOnly));
-    bad.write(R"({"errors": [{"number": 1}, {"layer": "roads"}]})");
-    bad.close();
+    writeBytes(json, R"({"errors": [{"number": 1}, {"layer": "roads"}]})");
     const ToolRun run = vygis({"topology", json, file("out.xlsx")});
     EXPECT_EQ(run.status, 1);
     EXPECT_TRUE(run.err.contains("errors[1]: unknown member \"layer\"")) << run.err.toStdString();
