@@ -119,50 +119,6 @@ TEST(ZipWriter, EntriesReadBackByteForByte)
     EXPECT_TRUE(entry(zip, QString::fromUtf8("xl/media/bild-ä.bin")) == big);
 }
 
-// The XML sink hands the zip writer whole pieces it filled in place; an entry begun with
-// copied bytes, one that fills many pieces and one smaller than a piece all read back.
-TEST(ZipWriter, EntriesFilledInPlaceByTheXmlSinkReadBackByteForByte)
-{
-    auto rows = [](int count) {
-        QByteArray xml;
-        for (int i = 0; i < count; ++i)
-            xml += "<row r=\"" + QByteArray::number(i) + "\"><c t=\"s\"><v>" + QByteArray::number(i * 31 % 977) + "</v></c></row>";
-        return xml;
-    };
-    const QByteArray many = rows(100000), some = rows(40000), few = rows(50);
-    QBuffer device;
-    device.open(QIODevice::WriteOnly);
-    ZipWriter writer(device);
-    ASSERT_TRUE(writer.beginEntry("many.xml"));
-    {
-        XmlSink sink(writer);
-        sink.append(many);
-        ASSERT_TRUE(sink.flush());
-    }
-    ASSERT_TRUE(writer.beginEntry("some.xml"));
-    ASSERT_TRUE(writer.write(QByteArray("<?xml?>")));
-    {
-        XmlSink sink(writer);
-        for (int at = 0; at < some.size(); at += 1000)
-            sink.append(some.constData() + at, size_t(qMin(1000, some.size() - at)));
-        ASSERT_TRUE(sink.flush());
-    }
-    ASSERT_TRUE(writer.beginEntry("few.xml"));
-    {
-        XmlSink sink(writer);
-        sink.append(few);
-        ASSERT_TRUE(sink.flush());
-    }
-    ASSERT_TRUE(writer.finish());
-
-    const QByteArray bytes = device.data();
-    ZipReader zip{ReadLimits()};
-    ASSERT_TRUE(zip.open(bytes.constData(), bytes.size(), nullptr));
-    EXPECT_TRUE(entry(zip, "many.xml") == many);
-    EXPECT_TRUE(entry(zip, "some.xml") == "<?xml?>" + some);
-    EXPECT_TRUE(entry(zip, "few.xml") == few);
-}
-
 TEST(ZipWriter, MoreThan65535EntriesGetZip64Records)
 {
     QBuffer device;

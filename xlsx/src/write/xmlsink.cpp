@@ -88,22 +88,15 @@ char* writeUInt(char* out, quint64 value)
 }
 
 XmlSink::XmlSink(Drain drain)
-    : m_drain(std::move(drain))
+    : m_drain(std::move(drain)), m_buffer(new char[Capacity])
 {
-    startBuffer();
+    m_pos = m_buffer.get();
+    m_end = m_pos + Capacity;
 }
 
 XmlSink::XmlSink(ZipWriter& zip)
-    : m_zip(&zip)
+    : XmlSink([&zip](const char* data, qint64 size) { return zip.write(data, size); })
 {
-    startBuffer();
-}
-
-void XmlSink::startBuffer()
-{
-    m_buffer.resize(m_zip ? ZipWriter::PieceSize : Capacity);
-    m_pos = m_buffer.data();
-    m_end = m_pos + m_buffer.size();
 }
 
 XmlSink::XmlSink(QByteArray& target)
@@ -116,10 +109,10 @@ XmlSink::XmlSink(QByteArray& target)
 
 bool XmlSink::flush()
 {
-    const qint64 used = m_pos - m_buffer.data();
+    const qint64 used = m_pos - m_buffer.get();
     if (used > 0 && m_ok)
-        m_ok = m_zip ? m_zip->write(m_buffer, size_t(used)) : m_drain(m_buffer.data(), used);
-    startBuffer();
+        m_ok = m_drain(m_buffer.get(), used);
+    m_pos = m_buffer.get();
     return m_ok;
 }
 

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "zip/zipwriter.h"
-
 #include <QByteArray>
 #include <QString>
 
@@ -11,10 +9,11 @@
 
 namespace QXlsx::detail {
 
+class ZipWriter;
+
 // The output of a part generator: a fixed buffer that is handed on (to a zip entry, or
 // to a QByteArray in tests) whenever it fills, so that a part of any size costs the same
-// memory and the hot loops append with a bounds check and a memcpy, nothing more. For a
-// zip entry the buffer is a whole piece of it, handed to the zip writer without a copy.
+// memory and the hot loops append with a bounds check and a memcpy, nothing more.
 class XmlSink
 {
 public:
@@ -86,11 +85,8 @@ private:
     void appendEscaped(const char* utf8, size_t size, bool attribute);
     void appendUnitEscape(unsigned unit);
 
-    void startBuffer();
-
     Drain m_drain;
-    ZipWriter* m_zip = nullptr;
-    ZipWriter::Buffer m_buffer;
+    std::unique_ptr<char[]> m_buffer;
     char* m_pos = nullptr;
     char* m_end = nullptr;
     bool m_ok = true;

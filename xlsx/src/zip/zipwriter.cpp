@@ -32,6 +32,9 @@ constexpr quint16 VersionZip64 = 45;
 constexpr quint64 Max32 = 0xFFFFFFFFu;
 constexpr quint64 Max16 = 0xFFFFu;
 
+// Bytes deflated as one piece: large enough that restarting the window costs under 1% of
+// the compressed size, small enough that a few pieces in flight keep memory flat.
+constexpr size_t PieceSize = 512 * 1024;
 // An empty fixed-Huffman block with the final bit set: the end of every entry's stream.
 constexpr char FinalBlock[2] = {0x03, 0x00};
 
@@ -67,7 +70,7 @@ struct ZipWriter::Piece
 {
     enum Kind { Begin, Data, End, Finish } kind = Data;
     QByteArray name;                // Begin
-    Buffer input;                   // Data: the bytes as given
+    std::vector<char> input;        // Data: the bytes as given
     PieceDeflater::Output output;   // Data: deflated, ending with a sync flush, in the
     size_t outputSize = 0;          // first outputSize bytes (the buffer is reused whole)
     quint32 crc = 0;                // Data: CRC-32 of input
@@ -187,24 +190,8 @@ bool ZipWriter::write(const char* data, qint64 size)
         data += n;
         size -= n;
         if (m_pending.size() >= PieceSize)
-            submitPending(false);
+            submitPending();
     }
-    return !hasError();
-}
-
-bool ZipWriter::write(Buffer& buffer, size_t size)
-{
-    if (!m_inEntry || hasError())
-        return false;
-    // The last bytes of an entry are copied: a part smaller than a piece is then
-    // deflated on this thread as a whole, as write() would have it.
-    if (!m_pending.empty() || size < PieceSize - PieceSize / 8)
-        return write(buffer.data(), qint64(size));
-    buffer.resize(size);
-    m_pending.swap(buffer);
-    submitPending(false);
-    // The piece took the bytes and left its own earlier input, emptied, in m_pending.
-    buffer.swap(m_pending);
     return !hasError();
 }
 
@@ -213,7 +200,7 @@ bool ZipWriter::endEntry()
     if (!m_inEntry)
         return !hasError();
     m_inEntry = false;
-    submitPending(true);
+    submitPending();
     auto piece = std::make_unique<Piece>();
     piece->kind = Piece::End;
     submit(std::move(piece));
@@ -234,7 +221,7 @@ bool ZipWriter::finish()
     return !hasError();
 }
 
-void ZipWriter::submitPending(bool entryEnds)
+void ZipWriter::submitPending()
 {
     if (m_pending.empty())
         return;
@@ -244,7 +231,7 @@ void ZipWriter::submitPending(bool entryEnds)
     // A whole entry smaller than a piece (styles, relationships, small sheets) is
     // deflated here: starting threads would cost more than it saves.
     Compressors& c = *m_compressors;
-    if (c.threads.empty() && entryEnds) {
+    if (c.threads.empty() && piece->input.size() < PieceSize) {
         if (!m_deflater)
             m_deflater = std::make_unique<PieceDeflater>();
         deflatePiece(*m_deflater, *piece);
@@ -274,7 +261,7 @@ void ZipWriter::submit(std::unique_ptr<Piece> piece)
     }
     // Enough pieces in flight to keep every compressor busy while the caller fills the
     // next one; beyond that the caller waits, so memory stays flat.
-    emitReady(c.threads.size() + 1);
+    emitReady(c.threads.size() + 2);
 }
 
 // Writes the pieces at the front that are ready, waiting while more than keepAtMost
@@ -296,7 +283,7 @@ void ZipWriter::emitReady(size_t keepAtMost)
         lock.unlock();
         writePiece(*piece);
         lock.lock();
-        if (piece->kind == Piece::Data && c.spare.size() < c.threads.size() + 1) {
+        if (piece->kind == Piece::Data && c.spare.size() < c.threads.size() + 2) {
             piece->ready = false;
             piece->failed = false;
             c.spare.push_back(std::move(piece));

@@ -4,8 +4,6 @@
 #include <QDateTime>
 #include <QString>
 
-#include "piecedeflater.h"
-
 #include <memory>
 #include <vector>
 
@@ -47,13 +45,6 @@ public:
     bool beginEntry(const QString& name);
     bool write(const char* data, qint64 size);
     bool write(const QByteArray& data) { return write(data.constData(), data.size()); }
-
-    // Bytes of an entry in a buffer the caller filled: handed over whole instead of
-    // copied. The first size bytes of buffer are the entry's next bytes; buffer comes
-    // back as another one, emptied, for the caller to fill again.
-    using Buffer = std::vector<char, UninitializedAllocator<char>>;
-    static constexpr size_t PieceSize = 512 * 1024;
-    bool write(Buffer& buffer, size_t size);
     bool endEntry();
     // Closes the last entry and writes the central directory. Nothing may follow.
     bool finish();
@@ -75,7 +66,7 @@ private:
     struct Compressors;
 
     void submit(std::unique_ptr<Piece> piece);
-    void submitPending(bool entryEnds);
+    void submitPending();
     void emitReady(size_t keepAtMost);
     void writePiece(Piece& piece);
     static void deflatePiece(PieceDeflater& deflater, Piece& piece);
@@ -90,7 +81,7 @@ private:
     QIODevice& m_device;
     std::unique_ptr<Compressors> m_compressors;
     std::unique_ptr<PieceDeflater> m_deflater;   // for entries deflated on this thread
-    Buffer m_pending;                // bytes of the current entry not yet in a piece
+    std::vector<char> m_pending;     // bytes of the current entry not yet in a piece
     int m_entryCount = 0;
     std::vector<Entry> m_entries;
     quint64 m_offset = 0;
