@@ -261,7 +261,7 @@ void ZipWriter::submit(std::unique_ptr<Piece> piece)
     }
     // Enough pieces in flight to keep every compressor busy while the caller fills the
     // next one; beyond that the caller waits, so memory stays flat.
-    emitReady(c.threads.size() + 2);
+    emitReady(c.threads.size() + 1);
 }
 
 // Writes the pieces at the front that are ready, waiting while more than keepAtMost
@@ -283,7 +283,7 @@ void ZipWriter::emitReady(size_t keepAtMost)
         lock.unlock();
         writePiece(*piece);
         lock.lock();
-        if (piece->kind == Piece::Data && c.spare.size() < c.threads.size() + 2) {
+        if (piece->kind == Piece::Data && c.spare.size() < c.threads.size() + 1) {
             piece->ready = false;
             piece->failed = false;
             c.spare.push_back(std::move(piece));
