@@ -89,6 +89,14 @@ bool excludedColumns(const QStringList& entries, const QStringList& names, QSet<
     return true;
 }
 
+// Why the workbook named second must not be written from the layer or table named first,
+// or an empty text.
+QString workbookRefusal(const Arguments& parsed)
+{
+    return outputRefusal(parsed.positional(1), {LayerAddress::parse(parsed.positional(0)).path},
+                         OutputUse::Replace, parsed.isSet(overwriteOption));
+}
+
 QStringList fieldNames(const TsFeatureLayer& layer)
 {
     QStringList names;
@@ -111,8 +119,7 @@ int runExport(const QStringList& arguments)
                        {columnsOption, QStringLiteral("--exclude")}, 2, 2}))
         return ExitUsage;
     const QString output = parsed.positional(1);
-    const QString refusal = outputRefusal(output, {LayerAddress::parse(parsed.positional(0)).path},
-                                          OutputUse::Replace, parsed.isSet(overwriteOption));
+    const QString refusal = workbookRefusal(parsed);
     if (!refusal.isEmpty())
         return failure(name, refusal);
     QString error;
@@ -165,8 +172,7 @@ int runExportTable(const QStringList& arguments)
     if (!parsed.parse(name, arguments, {{overwriteOption, textOption}, {}, {}, 2, 2}))
         return ExitUsage;
     const QString output = parsed.positional(1);
-    const QString refusal = outputRefusal(output, {LayerAddress::parse(parsed.positional(0)).path},
-                                          OutputUse::Replace, parsed.isSet(overwriteOption));
+    const QString refusal = workbookRefusal(parsed);
     if (!refusal.isEmpty())
         return failure(name, refusal);
     QString error;

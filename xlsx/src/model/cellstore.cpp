@@ -11,8 +11,8 @@ namespace QXlsx::detail {
 
 namespace {
 
-// A sheet of a few cells touches one page of its first block; larger blocks double up
-// to the size that gets large pages.
+// A workbook of a few cells touches one page of its first block, a granule; larger
+// blocks double up to the size that gets large pages.
 constexpr size_t MaxBlockBytes = 2 * LargePageSize;
 
 } // namespace
