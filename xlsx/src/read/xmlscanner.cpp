@@ -198,7 +198,17 @@ size_t XmlScanner::scan(const char* data, size_t size)
     const char* p = data;
     const char* end = data + size;
     while (p < end && !m_stopped) {
-        const size_t used = *p == '<' ? scanMarkup(p, end) : scanText(p, end);
+        // Tags straight to their scanners: nearly every token of a sheet is one, and the
+        // general dispatch cost as much as scanning an end tag.
+        size_t used;
+        if (*p != '<')
+            used = scanText(p, end);
+        else if (end - p >= 2 && p[1] == '/')
+            used = scanEndTag(p, end);
+        else if (end - p >= 2 && isNameStart(p[1]))
+            used = scanStartTag(p, end);
+        else
+            used = scanMarkup(p, end);
         if (used == 0)
             break;
         p += used;
