@@ -394,10 +394,7 @@ size_t XmlScanner::scanStartTag(const char* p, const char* end)
     m_handler.startElement(tag);
     if (selfClosing) {
         m_handler.endElement(tag.name, qualifiedName, std::string_view());
-        while (!m_declarations.empty() && m_declarations.back().depth == m_depth)
-            m_declarations.pop_back();
-        if (--m_depth == 0)
-            m_rootEnded = true;
+        leaveElement();
     }
     return size_t(p - start);
 }
@@ -410,28 +407,38 @@ void XmlScanner::noteDeclarations()
             continue;
         m_declarations.push_back({std::string(name.size() > 5 ? name.substr(6) : std::string_view()),
                                   std::string(attribute.value), m_depth});
+        m_innermostDeclaration = m_depth;
     }
+}
+
+void XmlScanner::dropDeclarations()
+{
+    while (!m_declarations.empty() && m_declarations.back().depth == m_depth)
+        m_declarations.pop_back();
+    m_innermostDeclaration = m_declarations.empty() ? 0 : m_declarations.back().depth;
 }
 
 size_t XmlScanner::scanEndTag(const char* p, const char* end)
 {
-    const char* closeAt = p + 2;
-    while (closeAt < end && *closeAt != '>')
-        ++closeAt;
-    if (closeAt == end)
-        return 0;
-    const char* nameStop = nameEnd(p + 2, closeAt);
-    if (nameStop == p + 2 || skipSpace(nameStop, closeAt) != closeAt || m_depth == 0) {
-        fail("malformed end tag");
-        return 0;
+    // Nearly always "</name>": the name runs up to the ">".
+    const char* nameStop = nameEnd(p + 2, end);
+    const char* closeAt = nameStop;
+    if (nameStop == end || *nameStop != '>' || nameStop == p + 2 || m_depth == 0) {
+        closeAt = p + 2;
+        while (closeAt < end && *closeAt != '>')
+            ++closeAt;
+        if (closeAt == end)
+            return 0;
+        nameStop = nameEnd(p + 2, closeAt);
+        if (nameStop == p + 2 || skipSpace(nameStop, closeAt) != closeAt || m_depth == 0) {
+            fail("malformed end tag");
+            return 0;
+        }
     }
     const std::string_view qualifiedName(p + 2, size_t(nameStop - p - 2));
     const std::string_view raw(p, size_t(closeAt + 1 - p));
     m_handler.endElement(localPart(qualifiedName), qualifiedName, raw);
-    while (!m_declarations.empty() && m_declarations.back().depth == m_depth)
-        m_declarations.pop_back();
-    if (--m_depth == 0)
-        m_rootEnded = true;
+    leaveElement();
     return raw.size();
 }
 

@@ -84,6 +84,15 @@ private:
     size_t scanText(const char* p, const char* end);
     bool decodeText(std::string_view raw, bool attribute, std::string& out);
     void noteDeclarations();
+    // The element's declarations end with it.
+    void leaveElement()
+    {
+        if (m_innermostDeclaration == m_depth)
+            dropDeclarations();
+        if (--m_depth == 0)
+            m_rootEnded = true;
+    }
+    void dropDeclarations();
     void fail(const char* reason);
 
     ScanHandler& m_handler;
@@ -94,6 +103,7 @@ private:
     std::vector<ScannedAttribute> m_attributes;
     std::vector<Declaration> m_declarations;
     int m_depth = 0;
+    int m_innermostDeclaration = 0;           // the depth of the last declaration, 0 for none
     bool m_rootEnded = false;
     bool m_stopped = false;
     QString m_error;
