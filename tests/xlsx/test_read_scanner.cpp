@@ -109,10 +109,11 @@ TEST(ReadScanner, CapturesAnElementWithTheOuterDeclarationsItNeeds)
 {
     const Scan scan = scanInChunks(
         "<x:worksheet xmlns:x=\"urn:main\" xmlns:y=\"urn:other\"><x:f y:a=\"1&amp;2\">A1&lt;B1</x:f>"
-        "<x:f xmlns:x=\"urn:own\" t=\"shared\" si=\"0\"/></x:worksheet>", 5);
+        "<x:f xmlns:x=\"urn:own\" t=\"shared\" si=\"0\"/><x:f>B1</x:f></x:worksheet>", 5);
     ASSERT_TRUE(scan.finished);
     EXPECT_EQ(scan.captures, (std::vector<QByteArray>{R"(<x:f xmlns:x="urn:main" xmlns:y="urn:other" y:a="1&amp;2">A1&lt;B1</x:f>)",
-                                                      R"(<x:f xmlns:x="urn:own" t="shared" si="0"/>)"}));
+                                                      R"(<x:f xmlns:x="urn:own" t="shared" si="0"/>)",
+                                                      R"(<x:f xmlns:x="urn:main">B1</x:f>)"}));
 }
 
 TEST(ReadScanner, StopsAtMalformedTextKeepingWhatCameBefore)
@@ -124,6 +125,9 @@ TEST(ReadScanner, StopsAtMalformedTextKeepingWhatCameBefore)
         {"<a><b>1</b><b x=1/></a>", "<a><b>{1}</b>"},
         {"<a><b>1</b><b x=\"<\"/></a>", "<a><b>{1}</b>"},
         {"<a><b>1</b>< b/></a>", "<a><b>{1}</b>"},
+        {"<a><b>1</b x></a>", "<a><b>{1}"},
+        {"<a><b>1</ b></a>", "<a><b>{1}"},
+        {"<a><b>1</b/></a>", "<a><b>{1}"},
         {"<a><b>1</b><!ELEMENT a ANY></a>", "<a><b>{1}</b>"},
         {"<a><b>1</b></a></a>", "<a><b>{1}</b></a>"},
         {"<a><b>1</b></a><a/>", "<a><b>{1}</b></a>"},

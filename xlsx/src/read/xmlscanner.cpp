@@ -255,8 +255,10 @@ size_t XmlScanner::scanMarkup(const char* p, const char* end)
         m_handler.other(rest.substr(0, close + 2));
         return close + 2;
     }
-    if (rest[1] != '!')
-        return scanStartTag(p, end);
+    if (rest[1] != '!') {
+        fail("malformed start tag");   // a start tag's name comes straight after the "<"
+        return 0;
+    }
     if (rest.size() >= 4 && rest.compare(0, 4, "<!--") == 0) {
         const size_t close = rest.find("-->", 4);
         if (close == std::string_view::npos)
@@ -289,11 +291,7 @@ size_t XmlScanner::scanMarkup(const char* p, const char* end)
 size_t XmlScanner::scanStartTag(const char* p, const char* end)
 {
     const char* start = p;
-    if (!isNameStart(p[1])) {
-        fail("malformed start tag");
-        return 0;
-    }
-    const char* nameStart = p + 1;
+    const char* nameStart = p + 1;   // a name start, as scan() found
     p = nameEnd(nameStart, end);
     if (p == end)
         return 0;
