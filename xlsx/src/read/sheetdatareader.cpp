@@ -76,6 +76,24 @@ long long leadingInteger(std::string_view text)
     return negative ? -value : value;
 }
 
+// The index a cell or row refers by (a shared string, a format): leading digits after
+// any white space, as from_chars reads them, clamped far above any table's size; false
+// without digits. Every cell has one or two, and the library's parser, made for every
+// base and type, cost more than the rest of reading the value.
+bool leadingIndex(std::string_view text, quint64* index)
+{
+    const char* p = text.data();
+    const char* end = p + text.size();
+    while (p < end && isSpace(*p))
+        ++p;
+    const char* digits = p;
+    quint64 value = 0;
+    for (; p < end && quint8(*p - '0') <= 9; ++p)
+        value = std::min(value * 10 + quint8(*p - '0'), quint64(1) << 40);
+    *index = value;
+    return p != digits;
+}
+
 double leadingNumber(std::string_view text)
 {
     double value = 0;
@@ -169,10 +187,8 @@ quint32 SheetDataReader::styleIndex(const std::string_view* value) const
     if (!value || !m_indexes.styles)
         return 0;
     // A negative, huge or unknown index gives the default format.
-    const std::string_view text = trimmed(*value);
     quint64 index = 0;
-    const auto result = std::from_chars(text.data(), text.data() + text.size(), index);
-    if (result.ec != std::errc() || index >= m_indexes.styles->size())
+    if (!leadingIndex(*value, &index) || index >= m_indexes.styles->size())
         return 0;
     return (*m_indexes.styles)[size_t(index)];
 }
@@ -350,10 +366,8 @@ void SheetDataReader::setValue(std::string_view text)
     Cell& cell = *m_cell;
     switch (m_cellType) {
     case 's': {
-        text = trimmed(text);
         quint64 index = 0;
-        const auto result = std::from_chars(text.data(), text.data() + text.size(), index);
-        if (result.ec == std::errc() && index < m_indexes.stringCount) {
+        if (leadingIndex(text, &index) && index < m_indexes.stringCount) {
             CellAccess::setString(cell, m_indexes.firstString + quint32(index));
             m_book.strings.noteUse(m_indexes.firstString + quint32(index));
         }
