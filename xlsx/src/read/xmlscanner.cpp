@@ -10,7 +10,7 @@ namespace QXlsx::detail {
 namespace {
 
 // Character classes by table: the scanner asks these once or twice per byte.
-enum : quint8 { Space = 1, NameStop = 2, TextSpecial = 4, ValueSpecial = 8 };
+enum : quint8 { Space = 1, NameStop = 2, TextSpecial = 4, ValueSpecial = 8, NameStart = 16, Colon = 32 };
 
 struct CharClasses
 {
@@ -27,6 +27,11 @@ struct CharClasses
             of[quint8(c)] |= TextSpecial | ValueSpecial;
         for (char c : {'"', '\''})
             of[quint8(c)] |= ValueSpecial;
+        for (int c = 0; c < 256; ++c) {
+            if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == ':' || c >= 0x80)
+                of[c] |= NameStart;
+        }
+        of[quint8(':')] |= Colon;
     }
 };
 constexpr CharClasses Classes;
@@ -34,12 +39,26 @@ constexpr CharClasses Classes;
 inline bool is(char c, quint8 kind) { return Classes.of[quint8(c)] & kind; }
 inline bool isSpace(char c) { return is(c, Space); }
 
-bool isNameStart(char c)
-{
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == ':' || quint8(c) >= 0x80;
-}
+inline bool isNameStart(char c) { return is(c, NameStart); }
 
 // Where a name ends: at white space, "/", ">" or "=" (or the end of the buffer).
+// The same, in the pass over the name: where its local part starts, after its first ":".
+inline const char* nameEnd(const char* p, const char* end, const char** localStart)
+{
+    *localStart = p;
+    const char* first = p;
+    for (; p < end; ++p) {
+        const quint8 kind = Classes.of[quint8(*p)];
+        if (kind & (NameStop | Colon)) {
+            if (kind & NameStop)
+                break;
+            if (*localStart == first)
+                *localStart = p + 1;
+        }
+    }
+    return p;
+}
+
 inline const char* nameEnd(const char* p, const char* end)
 {
     while (p < end && !is(*p, NameStop))
@@ -292,7 +311,8 @@ size_t XmlScanner::scanStartTag(const char* p, const char* end)
 {
     const char* start = p;
     const char* nameStart = p + 1;   // a name start, as scan() found
-    p = nameEnd(nameStart, end);
+    const char* localStart;
+    p = nameEnd(nameStart, end, &localStart);
     if (p == end)
         return 0;
     const std::string_view qualifiedName(nameStart, size_t(p - nameStart));
@@ -381,7 +401,7 @@ size_t XmlScanner::scanStartTag(const char* p, const char* end)
 
     ScannedTag tag;
     tag.qualifiedName = qualifiedName;
-    tag.name = localPart(qualifiedName);
+    tag.name = std::string_view(localStart, size_t(qualifiedName.data() + qualifiedName.size() - localStart));
     tag.raw = std::string_view(start, size_t(p - start));
     tag.attributes = m_attributes.data();
     tag.attributeCount = int(m_attributes.size());
@@ -419,7 +439,8 @@ void XmlScanner::dropDeclarations()
 size_t XmlScanner::scanEndTag(const char* p, const char* end)
 {
     // Nearly always "</name>": the name runs up to the ">".
-    const char* nameStop = nameEnd(p + 2, end);
+    const char* localStart;
+    const char* nameStop = nameEnd(p + 2, end, &localStart);
     const char* closeAt = nameStop;
     if (nameStop == end || *nameStop != '>' || nameStop == p + 2 || m_depth == 0) {
         closeAt = p + 2;
@@ -427,7 +448,7 @@ size_t XmlScanner::scanEndTag(const char* p, const char* end)
             ++closeAt;
         if (closeAt == end)
             return 0;
-        nameStop = nameEnd(p + 2, closeAt);
+        nameStop = nameEnd(p + 2, closeAt, &localStart);
         if (nameStop == p + 2 || skipSpace(nameStop, closeAt) != closeAt || m_depth == 0) {
             fail("malformed end tag");
             return 0;
@@ -435,7 +456,7 @@ size_t XmlScanner::scanEndTag(const char* p, const char* end)
     }
     const std::string_view qualifiedName(p + 2, size_t(nameStop - p - 2));
     const std::string_view raw(p, size_t(closeAt + 1 - p));
-    m_handler.endElement(localPart(qualifiedName), qualifiedName, raw);
+    m_handler.endElement(std::string_view(localStart, size_t(nameStop - localStart)), qualifiedName, raw);
     leaveElement();
     return raw.size();
 }
