@@ -304,21 +304,69 @@ TEST(ReadWorkbook, FollowsAbsoluteAndRelativePartPaths)
 
 TEST(ReadWorkbook, BigSheetsReadWholeAcrossInflateChunks)
 {
-    // Enough rows that the part arrives in many chunks, which split tags, attributes,
-    // references and values wherever they fall.
-    QByteArray rows;
+    // Enough rows that the parts arrive in many chunks, which split tags, attributes,
+    // references and values wherever they fall: cells and shared strings written the
+    // plain way most writers use as well as with references to resolve.
+    QByteArray rows, items;
     const int rowCount = 30000;
     for (int r = 1; r <= rowCount; ++r) {
         const QByteArray n = QByteArray::number(r);
         rows += "<row r=\"" + n + "\"><c r=\"A" + n + "\" t=\"inlineStr\"><is><t>n&#176;" + n + " &amp; co</t></is></c>"
-              + "<c r=\"B" + n + "\"><v>" + QByteArray::number(r * 0.25) + "</v></c></row>";
+              + "<c r=\"B" + n + "\"><v>" + QByteArray::number(r * 0.25) + "</v></c>"
+              + "<c r=\"C" + n + "\" s=\"0\" t=\"s\"><v>" + QByteArray::number(r - 1) + "</v></c>"
+              + "<c t=\"inlineStr\"><is><t xml:space=\"preserve\">plain " + n + "</t></is></c></row>";
+        items += (r % 2 ? "<si><t>shared " : "<si><t xml:space=\"preserve\">shared ") + n + "</t></si>";
     }
-    auto doc = open(workbookParts(worksheet(rows)));
-    EXPECT_EQ(doc->dimension(), CellRange(1, 1, rowCount, 2));
+    auto doc = open(workbookParts(worksheet(rows), sst(items)));
+    EXPECT_EQ(doc->dimension(), CellRange(1, 1, rowCount, 4));
     int wrong = 0;
     for (int r = 1; r <= rowCount; ++r) {
         wrong += doc->read(r, 1) != QVariant(QStringLiteral("n°%1 & co").arg(r));
         wrong += doc->read(r, 2) != QVariant(r * 0.25);
+        wrong += doc->read(r, 3) != QVariant(QStringLiteral("shared %1").arg(r));
+        wrong += doc->read(r, 4) != QVariant(QStringLiteral("plain %1").arg(r));
     }
     EXPECT_EQ(wrong, 0);
+}
+
+// Cells and shared strings in the plain form most writers use are read in one pass
+// each; written any other way they go token by token. Both must give the same model.
+TEST(ReadWorkbook, PlainCellsReadAsTheSameCellsWrittenAnyOtherWay)
+{
+    const QByteArray rows =
+        R"(<row r="1"><c r="A1" s="1" t="s"><v>0</v></c><c t="s"><v> 1 </v></c><c r="D1" s="2"><v>40000.5</v></c>)"
+        R"(<c s="4"><v>-1.5e3</v></c><c t="b"><v>1</v></c><c t="e"><v>#DIV/0!</v></c><c t="str"><v>a > b</v></c>)"
+        R"(<c t="inlineStr"><is><t>tab_x0009_</t></is></c><c t="inlineStr"><is><t xml:space="preserve"> x </t></is></c>)"
+        R"(<c s="1"/><c r="M1" s="3"></c><c><v></v></c><c t="s"><v>7</v></c><c s="99"><v>1</v></c><c t="d"><v>2024-02-29</v></c>)"
+        R"(<c r="XFD1"><v>9</v></c><c><v>lost</v></c></row>)"
+        R"(<row r="3"><c r="A0"><v>1</v></c><c r="C3" t="s"><v>2</v></c><c r="B3"><v>2</v></c><c><v>3</v></c></row>)"
+        R"(<row r="1048577"><c r="A1048577"><v>5</v></c></row>)";
+    const QByteArray items = R"(<si><t>zero</t></si><si><t xml:space="preserve"> one </t></si><si><t>bell_x0007_</t></si>)"
+                             R"(<si><t></t></si><si><t>b</t><t>c</t></si>)";
+    // One more space makes every cell and entry start the way only the tokens read.
+    QByteArray spacedRows = rows, spacedItems = items;
+    spacedRows.replace("<c", "<c ");
+    spacedItems.replace("<si>", "<si >");
+    auto plain = open(workbookParts(worksheet(rows), sst(items), Styles));
+    auto spaced = open(workbookParts(worksheet(spacedRows), sst(spacedItems), Styles));
+    ASSERT_EQ(plain->dimension(), spaced->dimension());
+    EXPECT_EQ(plain->dimension(), CellRange(1, 1, 3, MaxColumns));
+    for (int row = 1; row <= 3; ++row) {
+        for (int column = 1; column <= MaxColumns; ++column) {
+            const Cell* a = plain->cellAt(row, column);
+            const Cell* b = spaced->cellAt(row, column);
+            ASSERT_EQ(a == nullptr, b == nullptr) << row << "," << column;
+            if (!a)
+                continue;
+            EXPECT_EQ(a->cellType(), b->cellType()) << row << "," << column;
+            EXPECT_EQ(a->value(), b->value()) << row << "," << column;
+            EXPECT_EQ(a->format(), b->format()) << row << "," << column;
+        }
+    }
+    EXPECT_EQ(plain->read(1, 1), QVariant("zero"));
+    EXPECT_EQ(plain->read(1, 2), QVariant(" one "));
+    EXPECT_EQ(plain->read(1, 8), QVariant("a > b"));
+    EXPECT_EQ(plain->read(1, 9), QVariant("tab\t"));
+    EXPECT_EQ(plain->read(1, 10), QVariant(" x "));
+    EXPECT_EQ(plain->read(1, MaxColumns), QVariant(9.0));
 }

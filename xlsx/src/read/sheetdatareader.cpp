@@ -166,6 +166,36 @@ inline std::string_view localPart(std::string_view qualifiedName)
     return qualifiedName;
 }
 
+// The attributes of a cell written the usual way (see takeCell). Each gives where its
+// part ends, or null where the bytes are anything else or not all there yet.
+
+// A value in double quotes that the scanner would hand over as written: no reference,
+// no white space to normalise, no "<". p is at the opening quote.
+const char* plainQuoted(const char* p, const char* end, std::string_view* value)
+{
+    const char* q = p + 1;
+    for (; q < end && *q != '"'; ++q) {
+        if (*q == '<' || *q == '&' || *q == '\r' || *q == '\n' || *q == '\t')
+            return nullptr;
+    }
+    if (q == end)
+        return nullptr;
+    *value = std::string_view(p + 1, size_t(q - p - 1));
+    return q + 1;
+}
+
+// The attribute ` name="value"` at p; p itself where another or none comes there.
+const char* plainAttribute(const char* p, const char* end, char name, const std::string_view** value,
+                           std::string_view* storage)
+{
+    if (end - p < 4 || p[0] != ' ' || p[1] != name || p[2] != '=' || p[3] != '"')
+        return p;
+    const char* next = plainQuoted(p + 3, end, storage);
+    if (next)
+        *value = storage;
+    return next;
+}
+
 // Attributes a record does not model are kept as read.
 void keepAttribute(QByteArray& extra, const ScannedAttribute& attribute)
 {
@@ -265,6 +295,51 @@ void SheetDataReader::endElement(std::string_view name, std::string_view qualifi
     }
 }
 
+// Most cells of most files are `<c r="B7" s="3" t="s"><v>12</v></c>` or, from
+// streaming writers, `<c r="B7" s="3" t="inlineStr"><is><t>text</t></is></c>`, each
+// attribute optional, or a start tag closed at once: five to nine tokens for the
+// scanner and as many calls here, most of the time of opening a workbook. Such a cell
+// is read in one pass and gives the model what its tokens would have given; every
+// other form (other attributes or order, white space, references, formulas, runs, a
+// prefix) and a cell cut by the end of the bytes at hand go the usual way.
+size_t SheetDataReader::takeCell(const char* p, const char* end)
+{
+    if (m_cell || m_formula.active() || end - p < 3 || p[1] != 'c')
+        return 0;   // inside a cell its tokens go the usual way
+    std::string_view storage[3];
+    const std::string_view* attributes[3] = {};   // r, s, t
+    const char* q = p + 2;
+    for (int i = 0; i < 3 && q; ++i)
+        q = plainAttribute(q, end, "rst"[i], &attributes[i], &storage[i]);
+    enum { Nothing, Value, InlineText } content = Nothing;
+    std::string_view text;
+    if (const char* closed = afterLiteral(q, end, "/>")) {
+        q = closed;
+    } else if ((q = afterLiteral(q, end, ">"))) {
+        if (const char* value = afterLiteral(q, end, "<v>")) {
+            content = Value;
+            q = afterPlainText(value, end, "</v>", &text);
+        } else if (const char* inlineText = afterLiteral(q, end, "<is><t")) {
+            if (const char* preserved = afterLiteral(inlineText, end, " xml:space=\"preserve\""))
+                inlineText = preserved;
+            content = InlineText;
+            q = afterPlainText(afterLiteral(inlineText, end, ">"), end, "</t></is>", &text);
+        }
+        q = afterLiteral(q, end, "</c>");
+    }
+    if (!q)
+        return 0;
+    beginCell(attributes[0], attributes[1], attributes[2]);
+    if (m_cell && content == Value) {
+        setValue(text);
+    } else if (m_cell && content == InlineText) {
+        m_scratch.assign(text);
+        setText(m_scratch);
+    }
+    m_cell = nullptr;
+    return size_t(q - p);
+}
+
 void SheetDataReader::startRow(const ScannedTag& tag)
 {
     int row = m_row + 1;
@@ -313,12 +388,6 @@ void SheetDataReader::startRow(const ScannedTag& tag)
 
 void SheetDataReader::startCell(const ScannedTag& tag)
 {
-    m_cell = nullptr;
-    m_collecting = false;
-    if (m_skipRow || m_row == 0)
-        return;
-    int row = m_row;
-    int column = m_column + 1;
     const std::string_view* type = nullptr;
     const std::string_view* style = nullptr;
     const std::string_view* reference = nullptr;
@@ -328,6 +397,18 @@ void SheetDataReader::startCell(const ScannedTag& tag)
         else if (name == "s") style = &tag.attributes[i].value;
         else if (name == "t") type = &tag.attributes[i].value;
     }
+    beginCell(reference, style, type);
+}
+
+void SheetDataReader::beginCell(const std::string_view* reference, const std::string_view* style,
+                                const std::string_view* type)
+{
+    m_cell = nullptr;
+    m_collecting = false;
+    if (m_skipRow || m_row == 0)
+        return;
+    int row = m_row;
+    int column = m_column + 1;
     if (reference) {
         if (!parseCellReference(*reference, &row, &column))
             return;   // outside the grid, or not a reference at all

@@ -43,10 +43,16 @@ public:
     void startElement(const ScannedTag& tag);
     void endElement(std::string_view name, std::string_view qualifiedName);
     void text(std::string_view text);
+    // A whole cell at p written the way nearly every writer writes one, read without
+    // its tokens one by one: the bytes it took, or 0 for anything else (see the
+    // scanner's shortcuts).
+    size_t takeCell(const char* p, const char* end);
 
 private:
     void startRow(const ScannedTag& tag);
     void startCell(const ScannedTag& tag);
+    void beginCell(const std::string_view* reference, const std::string_view* style,
+                   const std::string_view* type);
     void setValue(std::string_view text);
     void setText(std::string& text);
     quint32 styleIndex(const std::string_view* value) const;

@@ -183,6 +183,7 @@ void WorksheetReader::startElement(const ScannedTag& tag)
         // Whatever expat has to say about the part so far comes before the cells.
         flush();
         m_inSheetData = true;
+        m_scanner.setShortcuts(true);
     }
 }
 
@@ -194,6 +195,7 @@ void WorksheetReader::endElement(std::string_view name, std::string_view qualifi
             return;
         }
         m_inSheetData = false;
+        m_scanner.setShortcuts(false);
     }
     forward(raw);
 }

@@ -50,6 +50,7 @@ public:
     void endElement(std::string_view name, std::string_view qualifiedName, std::string_view raw) override;
     void text(std::string_view text, std::string_view raw) override;
     void other(std::string_view raw) override;
+    size_t shortcut(const char* p, const char* end) override { return m_cells.takeCell(p, end); }
 
 private:
     void forward(std::string_view raw);

@@ -222,7 +222,9 @@ size_t XmlScanner::scan(const char* data, size_t size)
         size_t used;
         if (*p != '<')
             used = scanText(p, end);
-        else if (end - p >= 2 && p[1] == '/')
+        else if (m_shortcuts && (used = m_handler.shortcut(p, end)) != 0) {
+            // the handler took a whole element
+        } else if (end - p >= 2 && p[1] == '/')
             used = scanEndTag(p, end);
         else if (end - p >= 2 && isNameStart(p[1]))
             used = scanStartTag(p, end);

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,6 +34,31 @@ struct ScannedTag
     const std::string_view* value(std::string_view localName) const;
 };
 
+// For shortcuts (see ScanHandler): where text, written exactly so, ends if it starts at
+// p. Null where other bytes come, not all of them are there yet, or p is null.
+inline const char* afterLiteral(const char* p, const char* end, std::string_view text)
+{
+    if (!p || size_t(end - p) < text.size() || std::memcmp(p, text.data(), text.size()) != 0)
+        return nullptr;
+    return p + text.size();
+}
+
+// For shortcuts: character data at p with nothing to resolve (no reference, no "\r")
+// into text, then closing written exactly so; where closing ends, or null.
+inline const char* afterPlainText(const char* p, const char* end, std::string_view closing,
+                                  std::string_view* text)
+{
+    if (!p)
+        return nullptr;
+    const char* textEnd = p;
+    for (; textEnd < end && *textEnd != '<'; ++textEnd) {
+        if (*textEnd == '&' || *textEnd == '\r')
+            return nullptr;
+    }
+    *text = std::string_view(p, size_t(textEnd - p));
+    return afterLiteral(textEnd, end, closing);
+}
+
 // What a reader implements to hear about the markup of a part.
 class ScanHandler
 {
@@ -45,6 +71,12 @@ public:
     virtual void text(std::string_view text, std::string_view raw) = 0;
     // Comments, processing instructions and the XML declaration, as written.
     virtual void other(std::string_view raw) { (void)raw; }
+    // While shortcuts are on, asked at every "<": the handler may take a whole element
+    // it recognises at p (a cell written the usual way, say) and give the bytes it took,
+    // or 0 to let the scanner go on token by token. What it takes must be an element
+    // the scanner would accept, start to end, declaring no namespace: it is heard in no
+    // other way.
+    virtual size_t shortcut(const char* p, const char* end) { (void)p; (void)end; return 0; }
 };
 
 // A small XML scanner for the two parts that hold nearly all of a big workbook's bytes:
@@ -66,6 +98,7 @@ public:
     // The end of the part: false if it stops inside a token or before the root ends.
     bool finish();
     void stop() { m_stopped = true; }
+    void setShortcuts(bool on) { m_shortcuts = on; }
     bool stopped() const { return m_stopped; }
     QString errorString() const { return m_error; }
 
@@ -106,6 +139,7 @@ private:
     int m_innermostDeclaration = 0;           // the depth of the last declaration, 0 for none
     bool m_rootEnded = false;
     bool m_stopped = false;
+    bool m_shortcuts = false;
     QString m_error;
     quint64 m_offset = 0;                     // of the current buffer in the part
 };
