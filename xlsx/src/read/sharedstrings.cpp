@@ -3,12 +3,39 @@
 #include "model/stringpool.h"
 #include "read/xmlreader.h"
 
-
 namespace QXlsx::detail {
 
 SharedStringsReader::SharedStringsReader(StringPool& pool)
     : first(pool.count()), m_pool(pool), m_scanner(*this)
 {
+    m_scanner.setShortcuts(true);
+}
+
+// Nearly every entry is `<si><t>text</t></si>`, the <t> perhaps marked to preserve
+// white space: such an entry, its text with nothing to resolve, goes to the pool in one
+// pass instead of five tokens. Anything else, and an entry cut by the end of the bytes
+// at hand, goes the usual way.
+size_t SharedStringsReader::shortcut(const char* p, const char* end)
+{
+    if (m_itemDepth > 0 || m_capture.active() || m_scanner.depth() < 1)
+        return 0;   // only between entries, inside the table's root
+    const char* q = afterLiteral(p, end, "<si><t");
+    if (const char* preserve = afterLiteral(q, end, " xml:space=\"preserve\""))
+        q = preserve;
+    std::string_view text;
+    const char* after = afterPlainText(afterLiteral(q, end, ">"), end, "</t></si>", &text);
+    if (!after)
+        return 0;
+    if (mayHoldEscapes(text)) {
+        m_plain.assign(text);
+        decodeEscapes(m_plain);
+        m_pool.append(m_plain.data(), int(m_plain.size()));
+    } else {
+        m_pool.append(text.data(), int(text.size()));
+    }
+    m_rich = false;
+    ++count;
+    return size_t(after - p);
 }
 
 void SharedStringsReader::startElement(const ScannedTag& tag)

@@ -33,6 +33,7 @@ public:
     void startElement(const ScannedTag& tag) override;
     void endElement(std::string_view name, std::string_view qualifiedName, std::string_view raw) override;
     void text(std::string_view text, std::string_view raw) override;
+    size_t shortcut(const char* p, const char* end) override;
 
 private:
     void startInItem(const ScannedTag& tag);

@@ -97,17 +97,17 @@ void appendUtf8(std::string& out, char32_t cp)
 bool isHighSurrogate(int u) { return u >= 0xD800 && u <= 0xDBFF; }
 bool isLowSurrogate(int u) { return u >= 0xDC00 && u <= 0xDFFF; }
 
+} // namespace
+
 // Runs for every text read, nearly all short and without escapes: a plain loop over
 // the bytes costs less than a library search's call.
-bool mayHoldEscapes(const std::string& text)
+bool mayHoldEscapes(std::string_view text)
 {
     for (size_t i = 0; i + 6 < text.size(); ++i)
         if (text[i] == '_' && text[i + 1] == 'x')
             return true;
     return false;
 }
-
-} // namespace
 
 void decodeEscapes(std::string& text)
 {

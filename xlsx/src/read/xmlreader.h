@@ -119,5 +119,7 @@ void appendEscaped(QByteArray& out, std::string_view text, bool attribute);
 // and by convention anything else) in place. A lone surrogate is encoded on its own in
 // three bytes, as the string pool keeps one, rather than lost to U+FFFD.
 void decodeEscapes(std::string& text);
+// False where decodeEscapes would change nothing.
+bool mayHoldEscapes(std::string_view text);
 
 } // namespace QXlsx::detail
