@@ -211,13 +211,10 @@ class Bench:
         # writer, for one, slows down far more than tenfold at 20M cells).
         self.projection_limit = 60 if q else 240
         self.timeout = 120 if q else 300
-        # At the smaller size, the runs a verdict compares are repeated and their medians
-        # kept: on a virtual machine, the first touches of memory cost from one run to
-        # the next up to a third of a run that takes half a second.
+        # The runs a verdict compares are repeated and their medians kept: on a virtual
+        # machine the same run of ours took from 0.4 to 0.6 s at 2M cells and from 2.9
+        # to 5.0 s at 20M, depending on what the machine's memory went through before.
         self.repeats = 3
-
-    def runs_at(self, index):
-        return self.repeats if index == 0 else 1
 
     def path(self, name):
         return os.path.join(self.scratch, name)
@@ -279,7 +276,7 @@ class Bench:
             t.add("-- %s cells" % fmt_count(cells))
             out = self.path("ours-%d.xlsx" % cells)
             ours = median_run([self.ours("bench_write", cells, out)
-                               for _ in range(self.runs_at(index))])
+                               for _ in range(self.repeats)])
             ours_by_size[cells] = ours
             if ours.ok:
                 self.written[cells] = out
@@ -299,7 +296,7 @@ class Bench:
                     continue
                 peer_out = self.path("peer.xlsx")
                 remove(peer_out)
-                repeats = self.runs_at(index) if name == "libxlsxwriter constant-mem" else 1
+                repeats = self.repeats if name == "libxlsxwriter constant-mem" else 1
                 result = median_run([self.write_with_gdal(cells, peer_out) if command == "gdal"
                                      else self.peer([str(a) for a in command(cells, peer_out)])
                                      for _ in range(repeats)])
@@ -358,7 +355,7 @@ class Bench:
             if not source:
                 continue
             t.add("-- %s cells (%s)" % (fmt_count(cells), fmt_mb(os.path.getsize(source))))
-            repeats = self.runs_at(index)
+            repeats = self.repeats
             data = median_run([self.ours("bench_read", "data", source) for _ in range(repeats)])
             by_cell = median_run([self.ours("bench_read", "cells", source)
                                   for _ in range(repeats)])
