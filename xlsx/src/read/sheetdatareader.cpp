@@ -297,7 +297,7 @@ void SheetDataReader::endElement(std::string_view name, std::string_view qualifi
 
 // Most cells of most files are `<c r="B7" s="3" t="s"><v>12</v></c>` or, from
 // streaming writers, `<c r="B7" s="3" t="inlineStr"><is><t>text</t></is></c>`, each
-// attribute optional, or a start tag closed at once: five to nine tokens for the
+// attribute optional, or a start tag closed at once: five to seven tokens for the
 // scanner and as many calls here, most of the time of opening a workbook. Such a cell
 // is read in one pass and gives the model what its tokens would have given; every
 // other form (other attributes or order, white space, references, formulas, runs, a
