@@ -19,11 +19,9 @@ size_t SharedStringsReader::shortcut(const char* p, const char* end)
 {
     if (m_itemDepth > 0 || m_capture.active() || m_scanner.depth() < 1)
         return 0;   // only between entries, inside the table's root
-    const char* q = afterLiteral(p, end, "<si><t");
-    if (const char* preserve = afterLiteral(q, end, " xml:space=\"preserve\""))
-        q = preserve;
     std::string_view text;
-    const char* after = afterPlainText(afterLiteral(q, end, ">"), end, "</t></si>", &text);
+    const char* item = afterTextStart(afterLiteral(p, end, "<si>"), end);
+    const char* after = afterPlainText(item, end, "</t></si>", &text);
     if (!after)
         return 0;
     if (mayHoldEscapes(text)) {

@@ -319,11 +319,9 @@ size_t SheetDataReader::takeCell(const char* p, const char* end)
         if (const char* value = afterLiteral(q, end, "<v>")) {
             content = Value;
             q = afterPlainText(value, end, "</v>", &text);
-        } else if (const char* inlineText = afterLiteral(q, end, "<is><t")) {
-            if (const char* preserved = afterLiteral(inlineText, end, " xml:space=\"preserve\""))
-                inlineText = preserved;
+        } else if (const char* inlineText = afterLiteral(q, end, "<is>")) {
             content = InlineText;
-            q = afterPlainText(afterLiteral(inlineText, end, ">"), end, "</t></is>", &text);
+            q = afterPlainText(afterTextStart(inlineText, end), end, "</t></is>", &text);
         }
         q = afterLiteral(q, end, "</c>");
     }

@@ -42,7 +42,14 @@ inline bool isSpace(char c) { return is(c, Space); }
 inline bool isNameStart(char c) { return is(c, NameStart); }
 
 // Where a name ends: at white space, "/", ">" or "=" (or the end of the buffer).
-// The same, in the pass over the name: where its local part starts, after its first ":".
+inline const char* nameEnd(const char* p, const char* end)
+{
+    while (p < end && !is(*p, NameStop))
+        ++p;
+    return p;
+}
+
+// The same, and in the same pass where its local part starts, after its first ":".
 inline const char* nameEnd(const char* p, const char* end, const char** localStart)
 {
     *localStart = p;
@@ -56,13 +63,6 @@ inline const char* nameEnd(const char* p, const char* end, const char** localSta
                 *localStart = p + 1;
         }
     }
-    return p;
-}
-
-inline const char* nameEnd(const char* p, const char* end)
-{
-    while (p < end && !is(*p, NameStop))
-        ++p;
     return p;
 }
 

@@ -59,6 +59,16 @@ inline const char* afterPlainText(const char* p, const char* end, std::string_vi
     return afterLiteral(textEnd, end, closing);
 }
 
+// For shortcuts: the start tag of a text, <t> or <t xml:space="preserve">, at p; where
+// it ends, or null.
+inline const char* afterTextStart(const char* p, const char* end)
+{
+    p = afterLiteral(p, end, "<t");
+    if (const char* preserved = afterLiteral(p, end, " xml:space=\"preserve\""))
+        p = preserved;
+    return afterLiteral(p, end, ">");
+}
+
 // What a reader implements to hear about the markup of a part.
 class ScanHandler
 {
